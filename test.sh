@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and runs every test: the unit tests, the same
+# tests under AddressSanitizer and UndefinedBehaviorSanitizer, and a short run of
+# every fuzz target.
+set -euo pipefail
+cd "$(dirname "$0")"
+scripts/install-deps.sh
+
+export QT_QPA_PLATFORM=offscreen
+jobs=$(nproc)
+
+echo "== Build and unit tests =="
+scripts/build.sh build
+ctest --test-dir build --output-on-failure -j "$jobs"
+
+echo "== Unit tests under ASan and UBSan =="
+scripts/build.sh build-asan -DSCAN_SANITIZE=ON -DSCAN_BUILD_BENCH=OFF
+ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+  ctest --test-dir build-asan --output-on-failure -j "$jobs" -LE gui
+
+echo "== Fuzz targets (short runs) =="
+CC=clang CXX=clang++ scripts/build.sh build-fuzz -DSCAN_BUILD_FUZZ=ON -DSCAN_BUILD_TESTS=OFF -DSCAN_BUILD_BENCH=OFF
+scripts/run-fuzz.sh build-fuzz "${FUZZ_SECONDS:-20}"
+
+echo "== Final unit test run =="
+ctest --test-dir build -j "$jobs"

@@ -84,7 +84,7 @@ void TUMessage::closeViews() { d->views.clear(); }
 bool TUMessage::openLog() { return false; }
 void TUMessage::baseWriteLog(char type, const QString &text, const QString &) {
     const QString line = d->direct ? text : QStringLiteral("%1 %2").arg(getMsgTypeText(type), text);
-    for (auto &[id, view] : d->views) view(line);
+    for (auto &[id, view] : d->views) view(type, text, line);
     emit lineWritten(line);
 }
 void TUMessage::write(char type, const MSG_Text &text) { baseWriteLog(type, text.source(), text.text()); }

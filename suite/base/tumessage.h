@@ -81,8 +81,9 @@ public:
     // Entry of MSG_Scope: routes a text by its action (2, 3, 5, 6).
     void dispatch(const MSG_Text &text, int action, int errorCode);
 
-    // Text views receive every log line as it is written.
-    using View = std::function<void(const QString &line)>;
+    // Text views receive every line as it is written: its type, its text (the
+    // source text) and the whole formatted log line.
+    using View = std::function<void(char type, const QString &text, const QString &line)>;
     int attachView(View view);
     void detachView(int id);
 

@@ -1,0 +1,1 @@
+// The SCSI primitives arrive here.

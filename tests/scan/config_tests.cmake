@@ -1,0 +1,1 @@
+# Tests of the configuration reader and the model table.

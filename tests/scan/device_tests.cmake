@@ -1,0 +1,1 @@
+# Tests of the transport and the device operations.

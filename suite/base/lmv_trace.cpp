@@ -49,10 +49,10 @@ void LMV_error(const char *format, ...) {
     // The translated format must keep the conversions of the source; a
     // translation is only used when it exists.
     QByteArray translatedFormat = QCoreApplication::translate("Scan", format).toUtf8();
-    QString text = translatedFormat == QByteArray(format) ? source
+    const QString text = translatedFormat == QByteArray(format) ? source
                                                           : formatMessage(translatedFormat.constData(), copy);
     va_end(copy);
-    MSG_Scope(MSG_Text::untranslated(text), MSG_ACTION_ERROR);
+    MSG_Scope(MSG_Text::translated(text, source), MSG_ACTION_ERROR);
 }
 
 void LMV_direct_trace(const char *format, ...) {

@@ -12,6 +12,13 @@ MSG_Text MSG_Text::untranslated(const QString &text) {
     return t;
 }
 
+MSG_Text MSG_Text::translated(const QString &text, const QString &source) {
+    MSG_Text t;
+    t.text_ = text;
+    t.source_ = source;
+    return t;
+}
+
 MSG_Text &MSG_Text::arg(const QString &a) {
     text_ = text_.arg(a);
     source_ = source_.arg(a);

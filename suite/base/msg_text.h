@@ -10,6 +10,8 @@ public:
     MSG_Text(const char *context, const char *source);
     // A text that is not translated (already formatted data, file contents).
     static MSG_Text untranslated(const QString &text);
+    // A text translated elsewhere (a translated printf format, say).
+    static MSG_Text translated(const QString &text, const QString &source);
 
     // Qt-style %1 substitution, applied to the translated and the source text alike.
     MSG_Text &arg(const QString &a);

@@ -1,6 +1,15 @@
 #pragma once
 // The one path of every message of the system: operator reports, the log file
 // and its lock, debug and direct mode, and writes from other threads.
+//
+// The log opens when the object is installed with setInstance, or at its first
+// write, so that a subclass's okToUseFile is already in force. When no log number
+// can be used the process ends with exit code 1.
+//
+// The texts of this class (report headings, the fatal log failure) are
+// translated in the context "TUUIMessage". When "The application will
+// terminate." has a translation there, a second log (the log's name followed by
+// "i") carries the translated texts.
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -32,6 +41,10 @@ public:
         TypeTrace = 'T',
         TypeDebug = 'D',
     };
+
+    // Type of the event that makes the object write what other threads queued.
+    static constexpr int kQueuedWriteEvent = 1234;
+    static constexpr const char *kContext = "TUUIMessage";
 
     explicit TUMessage(Settings settings);
     ~TUMessage() override;
@@ -78,6 +91,10 @@ public:
     virtual QString getMsgTypeText(char type) const;
     virtual void updateErrorCode(int code);
 
+    // Shows whatever reports are pending, suspended or not (the event loop calls
+    // this before it sleeps). Does nothing on another thread or inside a report.
+    void showPendingReports();
+
     // Entry of MSG_Scope: routes a text by its action (2, 3, 5, 6).
     void dispatch(const MSG_Text &text, int action, int errorCode);
 
@@ -99,9 +116,19 @@ protected:
     // Shows the pending reports to the operator. Severity 'E', 'W' or 'I'; the base
     // writes them to standard error. Returns true when the operator chose Ignore All.
     virtual bool report(char severity, const QStringList &pending, bool askIgnore);
+    // No log number could be used: tells the operator (the base writes the lines
+    // to standard error). The process exits with 1 when this returns.
+    virtual void showFatalLogFailure(const QStringList &lines);
     void customEvent(QEvent *event) override;
 
 private:
+    struct Record;
+    void queueReport(char severity, const QString &text);
+    void enqueue(Record record);
+    void drainQueue();
+    void writeRecord(const Record &record);
+    bool onOwnThread() const;
+
     struct Impl;
     std::unique_ptr<Impl> d;
 };

@@ -1,0 +1,85 @@
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "suite/base/assertion.h"
+#include "suite/base/lmv_trace.h"
+#include "tests/suite/base/message_fixture.h"
+
+class TraceTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    InstalledMessage installed{std::make_unique<RecordingMessage>(settingsIn(dir.path()))};
+    RecordingMessage *m() { return static_cast<RecordingMessage *>(installed.get()); }
+    QStringList lines() { return bodyLines(m()->readLog()); }
+    // The text of a line after its type and time.
+    static QString textOf(const QString &line) { return line.mid(15); }
+};
+
+TEST_F(TraceTest, OneTrailingNewlineIsDropped) {
+    LMV_log("OPTIONS %s %d\n", "dpi", 300);
+    LMV_log("two ends\n\n");
+    LMV_log("no end");
+    const QStringList l = m()->readLog().split('\n');
+    const QStringList body = l.mid(l.indexOf(QRegularExpression("^I .*OPTIONS.*")));
+    ASSERT_GE(body.size(), 4);
+    EXPECT_EQ(textOf(body[0]), "OPTIONS dpi 300");
+    EXPECT_EQ(textOf(body[1]), "two ends");
+    EXPECT_EQ(body[2], "");  // the second newline stays with the text
+    EXPECT_EQ(textOf(body[3]), "no end");
+}
+
+TEST_F(TraceTest, LongTextsAreCutToTheBuffer) {
+    const std::string big(3000, 'x');
+    LMV_log("%s", big.c_str());
+    ASSERT_EQ(lines().size(), 1);
+    EXPECT_EQ(textOf(lines()[0]).size(), 2047);
+}
+
+TEST_F(TraceTest, TraceOnlyInDebugMode) {
+    LMV_trace("hidden %d", 1);
+    m()->setDebugMode(true);
+    LMV_trace("shown %d", 2);
+    ASSERT_EQ(lines().size(), 1);
+    EXPECT_TRUE(lines()[0].startsWith("D "));
+    EXPECT_EQ(textOf(lines()[0]), "shown 2");
+}
+
+TEST_F(TraceTest, DirectTraceIsRawAndLeavesTheModesAsTheyWere) {
+    LMV_direct_trace("CDB: %02x %02x\n", 0x12, 0x24);
+    EXPECT_FALSE(m()->isDebugMode());
+    EXPECT_FALSE(m()->isDirectMode());
+    m()->setDebugMode(true);
+    LMV_direct_trace("sense: %02x", 0x70);
+    EXPECT_TRUE(m()->isDebugMode());
+    EXPECT_FALSE(m()->isDirectMode());
+    EXPECT_EQ(lines(), QStringList({"CDB: 12 24", "sense: 70"}));
+}
+
+TEST_F(TraceTest, ErrorIsTranslatedForTheOperatorAndLoggedInTheSource) {
+    TableTranslator tr({{{"Scan", "Paper jam in %s"}, "Bourrage papier dans %s"}});
+    LMV_error("Paper jam in %s", "ADF");
+    ASSERT_EQ(m()->shown.size(), 1u);
+    EXPECT_EQ(m()->shown[0].severity, 'E');
+    EXPECT_EQ(m()->shown[0].texts, QStringList{"Bourrage papier dans ADF"});
+    ASSERT_EQ(lines().size(), 1);
+    EXPECT_EQ(textOf(lines()[0]), "Paper jam in ADF");
+}
+
+namespace {
+int guarded(const int *p) {
+    LMV_ASSERT_RET(p != nullptr, -1);
+    return *p;
+}
+}  // namespace
+
+TEST_F(TraceTest, FailedAssertionIsALogLineAndANeutralResult) {
+    EXPECT_EQ(guarded(nullptr), -1);
+    ASSERT_EQ(lines().size(), 1);
+    EXPECT_TRUE(lines()[0].startsWith("I "));
+    EXPECT_TRUE(textOf(lines()[0]).contains(QRegularExpression(R"(^Internal assertion error detected \(.*test_lmv_trace\.cpp:\d+\)$)")))
+        << lines()[0].toStdString();
+}

@@ -1,0 +1,306 @@
+#include <QCoreApplication>
+#include <QDir>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "suite/base/msg_scope.h"
+#include "suite/base/pending_report.h"
+#include "tests/suite/base/message_fixture.h"
+
+namespace {
+
+const QRegularExpression kLine("^([EFWITD]) \\d\\d:\\d\\d:\\d\\d\\.\\d{3} (.*)$");
+
+// Counts the queued-write events that reach the object.
+class CountingMessage : public RecordingMessage {
+public:
+    using RecordingMessage::RecordingMessage;
+    int queuedEvents = 0;
+
+protected:
+    void customEvent(QEvent *e) override {
+        if (e->type() == static_cast<QEvent::Type>(kQueuedWriteEvent)) ++queuedEvents;
+        RecordingMessage::customEvent(e);
+    }
+};
+
+class RefusingMessage : public TUMessage {
+public:
+    using TUMessage::TUMessage;
+    bool okToUseFile(const QString &, const QString &) override { return false; }
+};
+
+}  // namespace
+
+class MessageTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+    std::unique_ptr<RecordingMessage> open(bool debug = false) {
+        auto m = std::make_unique<RecordingMessage>(settingsIn(dir.path(), debug));
+        EXPECT_TRUE(m->openLog());
+        return m;
+    }
+};
+
+TEST_F(MessageTest, LinesCarryTypeTimeAndText) {
+    auto m = open();
+    std::vector<std::pair<char, QString>> seen;
+    m->attachView([&](char type, const QString &text, const QString &line) {
+        seen.emplace_back(type, text);
+        EXPECT_TRUE(m->readLog().endsWith(line + "\n"));  // views see a line once it is in the log
+    });
+    m->trace(MSG_Text::untranslated("a trace"));
+    m->error(MSG_Text::untranslated("an error"));
+    m->warning(MSG_Text::untranslated("a warning"));
+    m->information(MSG_Text::untranslated("some news"));
+    m->fatalError(MSG_Text::untranslated("the end"));
+    m->debug(MSG_Text::untranslated("hidden"));  // debug mode is off
+
+    const QStringList lines = bodyLines(m->readLog());
+    ASSERT_EQ(lines.size(), 5);
+    const char types[] = {'I', 'E', 'W', 'I', 'F'};
+    const char *texts[] = {"a trace", "an error", "a warning", "some news", "the end"};
+    for (int i = 0; i < 5; ++i) {
+        const auto match = kLine.match(lines[i]);
+        ASSERT_TRUE(match.hasMatch()) << lines[i].toStdString();
+        EXPECT_EQ(match.captured(1), QString(QChar(types[i])));
+        EXPECT_EQ(match.captured(2), QString::fromUtf8(texts[i]));
+        EXPECT_EQ(seen[i].first, types[i]);
+        EXPECT_EQ(seen[i].second, QString::fromUtf8(texts[i]));
+    }
+}
+
+TEST_F(MessageTest, DebugAndDirectModes) {
+    auto m = open(true);
+    EXPECT_TRUE(m->readLog().contains(" Debug mode : ON\n"));
+    m->debug(MSG_Text::untranslated("visible"));
+    m->setDirectMode(true);
+    m->debug(MSG_Text::untranslated("0000: 12 00 00 00 24 00"));
+    m->setDirectMode(false);
+    m->setDebugMode(false);
+    m->debug(MSG_Text::untranslated("gone"));
+
+    const QStringList lines = bodyLines(m->readLog());
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(kLine.match(lines[0]).captured(1), "D");
+    EXPECT_EQ(kLine.match(lines[0]).captured(2), "visible");
+    EXPECT_EQ(lines[1], "0000: 12 00 00 00 24 00");
+}
+
+TEST_F(MessageTest, ActionsRouteThroughTheSingleton) {
+    InstalledMessage installed(std::make_unique<RecordingMessage>(settingsIn(dir.path())));
+    auto *m = static_cast<RecordingMessage *>(installed.get());
+    ASSERT_TRUE(m->isLogOpen());  // installing opens the log
+    m->catchErrorCode(true);
+    MSG_Scope(MSG_Text::untranslated("to the operator"), MSG_ACTION_ERROR, 14);
+    MSG_Scope(MSG_Text::untranslated("fatal"), MSG_ACTION_FATAL);
+    MSG_Scope(MSG_Text::untranslated("logged"), MSG_ACTION_LOG);
+    MSG_Scope(MSG_Text::untranslated("debug only"), MSG_ACTION_DEBUG);
+    EXPECT_EQ(m->getErrorCode(), 14);  // a later 0 does not clear it
+    m->catchErrorCode(false);
+    MSG_Scope(MSG_Text::untranslated("again"), MSG_ACTION_ERROR, 5);
+    EXPECT_EQ(m->getErrorCode(), 14);  // not caught
+    m->catchErrorCode(true);
+    EXPECT_EQ(m->getErrorCode(), 0);  // catching starts from zero
+
+    QStringList types;
+    for (const QString &l : bodyLines(m->readLog())) types << kLine.match(l).captured(1);
+    EXPECT_EQ(types, QStringList({"E", "F", "I", "E"}));
+    ASSERT_EQ(m->shown.size(), 3u);
+    EXPECT_EQ(m->shown[0].severity, 'E');
+    EXPECT_EQ(m->shown[1].severity, 'E');  // a fatal error is shown as an error
+}
+
+TEST_F(MessageTest, LockIsRemovedWithTheObjectAndLogStays) {
+    auto m = open();
+    const QString lock = m->lockPath();
+    const QString log = m->logPath();
+    EXPECT_TRUE(log.startsWith(dir.path() + "/ScanStation_tester_"));
+    EXPECT_TRUE(QFile::exists(lock));
+    m.reset();
+    EXPECT_FALSE(QFile::exists(lock));
+    EXPECT_TRUE(QFile::exists(log));
+
+    auto again = open();
+    again->trace(MSG_Text::untranslated("x"));
+    again->closeAndRemoveLog();
+    EXPECT_FALSE(again->isLogOpen());
+    EXPECT_TRUE(QDir(dir.path()).entryList(QDir::Files).isEmpty());
+    again->trace(MSG_Text::untranslated("after removal"));  // harmless, goes nowhere
+    EXPECT_TRUE(QDir(dir.path()).entryList(QDir::Files).isEmpty());
+}
+
+TEST_F(MessageTest, ConsoleModeWritesNoFiles) {
+    TUMessage::Settings s = settingsIn(dir.path());
+    s.console = true;
+    TUMessage m(s);
+    QStringList seen;
+    m.attachView([&](char, const QString &text, const QString &) { seen << text; });
+    m.trace(MSG_Text::untranslated("to the views only"));
+    EXPECT_FALSE(m.openLog());
+    EXPECT_FALSE(m.isLogOpen());
+    EXPECT_EQ(seen, QStringList{"to the views only"});
+    EXPECT_TRUE(QDir(dir.path()).entryList(QDir::Files).isEmpty());
+
+    // The default singleton is a console one.
+    auto previous = TUMessage::takeInstance();
+    TUMessage *def = TUMessage::instance();
+    def->trace(MSG_Text::untranslated("x"));
+    EXPECT_FALSE(def->isLogOpen());
+    TUMessage::setInstance(std::move(previous));
+}
+
+TEST_F(MessageTest, TranslatedTextsGoToASecondLog) {
+    {
+        auto plain = open();
+        EXPECT_TRUE(plain->translatedLogPath().isEmpty());
+    }
+    TableTranslator tr({{{"TUUIMessage", "The application will terminate."}, "L'application va se terminer."},
+                        {{"Scan", "Paper jam"}, "Bourrage papier"}});
+    auto m = open();
+    ASSERT_EQ(m->translatedLogPath(), m->logPath() + "i");
+    m->error(MSG_Text("Scan", "Paper jam"));
+    EXPECT_EQ(kLine.match(bodyLines(m->readLog()).value(0)).captured(2), "Paper jam");
+    EXPECT_EQ(kLine.match(bodyLines(readFile(m->translatedLogPath())).value(0)).captured(2), "Bourrage papier");
+    ASSERT_EQ(m->shown.size(), 1u);
+    EXPECT_EQ(m->shown[0].texts, QStringList{"Bourrage papier"});  // the operator reads the translation
+}
+
+TEST_F(MessageTest, OtherThreadsReachTheLogThroughTheMainThread) {
+    auto m = std::make_unique<CountingMessage>(settingsIn(dir.path()));
+    ASSERT_TRUE(m->openLog());
+    std::thread worker([&] {
+        m->trace(MSG_Text::untranslated("from worker 1"));
+        m->error(MSG_Text::untranslated("worker failed"));
+        m->trace(MSG_Text::untranslated("from worker 2"));
+    });
+    worker.join();
+    EXPECT_FALSE(m->readLog().contains("worker"));
+    EXPECT_TRUE(m->shown.empty());  // no report leaves a worker thread
+
+    QCoreApplication::sendPostedEvents(m.get(), TUMessage::kQueuedWriteEvent);
+    EXPECT_EQ(m->queuedEvents, 1);  // one event for the whole batch
+    const QStringList lines = bodyLines(m->readLog());
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_TRUE(lines[0].endsWith("from worker 1"));
+    EXPECT_TRUE(lines[1].startsWith("E "));
+    EXPECT_TRUE(lines[2].endsWith("from worker 2"));
+    ASSERT_EQ(m->shown.size(), 1u);
+    EXPECT_EQ(m->shown[0].texts, QStringList{"worker failed"});
+
+    // A write on the main thread first drains what waits, keeping the order.
+    std::thread late([&] { m->trace(MSG_Text::untranslated("late worker")); });
+    late.join();
+    m->trace(MSG_Text::untranslated("main"));
+    const QStringList after = bodyLines(m->readLog());
+    ASSERT_EQ(after.size(), 5);
+    EXPECT_TRUE(after[3].endsWith("late worker"));
+    EXPECT_TRUE(after[4].endsWith("main"));
+    QCoreApplication::sendPostedEvents(m.get(), TUMessage::kQueuedWriteEvent);
+    EXPECT_EQ(bodyLines(m->readLog()).size(), 5);  // the stale event writes nothing twice
+
+    // A queued line keeps the mode it was written in.
+    m->setDirectMode(true);
+    std::thread raw([&] { m->trace(MSG_Text::untranslated("raw dump")); });
+    raw.join();
+    m->setDirectMode(false);
+    QCoreApplication::sendPostedEvents(m.get(), TUMessage::kQueuedWriteEvent);
+    EXPECT_EQ(bodyLines(m->readLog()).last(), "raw dump");
+
+    // traceLater waits for the event even on the main thread.
+    m->traceLater(MSG_Text::untranslated("later"));
+    EXPECT_FALSE(m->readLog().contains("later"));
+    QCoreApplication::sendPostedEvents(m.get(), TUMessage::kQueuedWriteEvent);
+    EXPECT_TRUE(bodyLines(m->readLog()).last().startsWith("T "));
+}
+
+TEST_F(MessageTest, SuspendedReportsPileUpAndShowTogether) {
+    auto m = open();
+    m->suspendReport(true);
+    m->information(MSG_Text::untranslated("one"));
+    m->error(MSG_Text::untranslated("two"));
+    m->warning(MSG_Text::untranslated("three"));
+    EXPECT_TRUE(m->shown.empty());
+    EXPECT_EQ(bodyLines(m->readLog()).size(), 3);  // the log does not wait
+    m->suspendReport(false);
+    ASSERT_EQ(m->shown.size(), 1u);
+    EXPECT_EQ(m->shown[0].severity, 'E');
+    EXPECT_EQ(m->shown[0].texts, QStringList({"one", "two", "three"}));
+
+    m->suspendReport(true);
+    m->warning(MSG_Text::untranslated("four"));
+    m->showPendingReports();  // as the event loop does before it sleeps
+    EXPECT_EQ(m->shown.size(), 2u);
+    m->suspendReport(false);
+    EXPECT_EQ(m->shown.size(), 2u);  // nothing shown twice
+
+    m->setSilent(true);
+    m->error(MSG_Text::untranslated("quiet"));
+    EXPECT_EQ(m->shown.size(), 2u);
+    EXPECT_TRUE(m->readLog().contains("quiet"));
+}
+
+TEST_F(MessageTest, ReportRaisedDuringAReportWaitsItsTurn) {
+    auto m = open();
+    int depth = 0, deepest = 0;
+    m->duringReport = [&] {
+        deepest = std::max(deepest, ++depth);
+        if (m->shown.size() == 1) m->error(MSG_Text::untranslated("raised while shown"));
+        --depth;
+    };
+    m->error(MSG_Text::untranslated("first"));
+    EXPECT_EQ(deepest, 1);  // never a report inside a report
+    ASSERT_EQ(m->shown.size(), 2u);
+    EXPECT_EQ(m->shown[0].texts, QStringList{"first"});
+    EXPECT_EQ(m->shown[1].texts, QStringList{"raised while shown"});
+}
+
+TEST(PendingReport, SeverityOfTheList) {
+    MSG_PendingReport p;
+    p.add('I', "a");
+    p.add('W', "b");  // only the first text or an error decides
+    EXPECT_EQ(p.severity(), 'I');
+    p.add('T', "c");
+    EXPECT_EQ(p.severity(), 'W');
+    p.add('E', "d");
+    p.add('I', "e");
+    p.add('T', "f");
+    EXPECT_EQ(p.severity(), 'E');
+    EXPECT_EQ(p.take().size(), 6);
+    EXPECT_TRUE(p.isEmpty());
+    p.add('W', "g");
+    EXPECT_EQ(p.severity(), 'W');
+}
+
+TEST(PendingReport, TextOfTheBox) {
+    EXPECT_EQ(MSG_PendingReport::heading('E', 1), "The following error occurred:\n");
+    EXPECT_EQ(MSG_PendingReport::heading('E', 2), "The following errors occurred:\n");
+    EXPECT_EQ(MSG_PendingReport::heading('W', 1), "The following warning occurred:\n");
+    EXPECT_EQ(MSG_PendingReport::heading('W', 3), "The following warnings occurred:\n");
+    EXPECT_EQ(MSG_PendingReport::heading('I', 3), "Information:\n");
+
+    EXPECT_EQ(MSG_PendingReport::body({"alone"}), "alone");
+    EXPECT_EQ(MSG_PendingReport::body({"a", "b"}), " - a\n - b\n");
+    QStringList thirty;
+    for (int i = 1; i <= 30; ++i) thirty << QString::number(i);
+    const QStringList lines = MSG_PendingReport::body(thirty).split('\n');
+    ASSERT_EQ(lines.size(), 30);
+    EXPECT_EQ(lines[28], " - 29");
+    EXPECT_EQ(lines[29], "...");
+    EXPECT_EQ(MSG_PendingReport::body(thirty.mid(0, 29)).split('\n', Qt::SkipEmptyParts).size(), 29);
+}
+
+TEST_F(MessageTest, NoFreeLogEndsTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const QString folder = dir.path();
+    EXPECT_EXIT(
+        {
+            RefusingMessage m(settingsIn(folder));
+            m.openLog();
+        },
+        ::testing::ExitedWithCode(1), "FATAL ERROR: Unable to open log file:\n.*_9999\\.log\nThe application will terminate\\.");
+}

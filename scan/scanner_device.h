@@ -114,3 +114,84 @@ struct ScanDeviceInfo {
 Standard_parameters *parameters_of_ScanDeviceInfo(ScanDeviceInfo *dev, int32_t depth);
 bool supported_of_ScanDeviceInfo(const ScanDeviceInfo *dev, int32_t depth);
 bool feeder_of_ScanDeviceInfo(const ScanDeviceInfo *dev, int32_t depth);
+
+// Accessors. Each asserts a non-null record and otherwise returns a neutral
+// value (empty text, false, 0, a null pointer); setters then do nothing.
+#define SCAN_DEVICE_INFO_ACCESSOR(type, field)                            \
+    type field##_of_ScanDeviceInfo(const ScanDeviceInfo *dev);            \
+    void set_##field##_of_ScanDeviceInfo(ScanDeviceInfo *dev, type value);
+SCAN_DEVICE_INFO_ACCESSOR(QString, name)
+SCAN_DEVICE_INFO_ACCESSOR(QString, device)
+SCAN_DEVICE_INFO_ACCESSOR(QString, model)
+SCAN_DEVICE_INFO_ACCESSOR(ScsiHandle *, scsi)
+SCAN_DEVICE_INFO_ACCESSOR(bool, opened)
+SCAN_DEVICE_INFO_ACCESSOR(bool, reserved)
+SCAN_DEVICE_INFO_ACCESSOR(bool, bw_supported)
+SCAN_DEVICE_INFO_ACCESSOR(bool, bw_feeder)
+SCAN_DEVICE_INFO_ACCESSOR(bool, grey_supported)
+SCAN_DEVICE_INFO_ACCESSOR(bool, grey_feeder)
+SCAN_DEVICE_INFO_ACCESSOR(bool, colour_supported)
+SCAN_DEVICE_INFO_ACCESSOR(bool, colour_feeder)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_threshold)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_contrast)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_black_point)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_white_point)
+SCAN_DEVICE_INFO_ACCESSOR(float, default_gamma)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, registration_strictness)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_depth)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, min_resolution)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, max_resolution)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_resolution)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, flag_a)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, flag_b)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, optical_capable)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, optical_dpi_limit)
+SCAN_DEVICE_INFO_ACCESSOR(QString, gamma_file)
+SCAN_DEVICE_INFO_ACCESSOR(bool, optical_reg)
+SCAN_DEVICE_INFO_ACCESSOR(bool, autofeeded)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_brightness)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_gamma_mode)
+SCAN_DEVICE_INFO_ACCESSOR(bool, last_drawing)
+SCAN_DEVICE_INFO_ACCESSOR(QString, inqName)
+SCAN_DEVICE_INFO_ACCESSOR(QString, dropOutColor)
+SCAN_DEVICE_INFO_ACCESSOR(float, leftOffset)
+SCAN_DEVICE_INFO_ACCESSOR(double, max_scan_inches_x)
+SCAN_DEVICE_INFO_ACCESSOR(double, max_scan_inches_y)
+SCAN_DEVICE_INFO_ACCESSOR(int32_t, flag_c)
+SCAN_DEVICE_INFO_ACCESSOR(QStringList, rgbDropList)
+#undef SCAN_DEVICE_INFO_ACCESSOR
+
+// The owned parts, by pointer (null for a null record).
+ScannerOps *ops_of_ScanDeviceInfo(ScanDeviceInfo *dev);
+Standard_parameters *bw_parameters_of_ScanDeviceInfo(ScanDeviceInfo *dev);
+Standard_parameters *grey_parameters_of_ScanDeviceInfo(ScanDeviceInfo *dev);
+Standard_parameters *colour_parameters_of_ScanDeviceInfo(ScanDeviceInfo *dev);
+// One of the eight resolution steps, by index into kResolutionSteps.
+bool resolution_step_of_ScanDeviceInfo(const ScanDeviceInfo *dev, int index);
+void set_resolution_step_of_ScanDeviceInfo(ScanDeviceInfo *dev, int index, bool offered);
+
+// The wrappers the scan loop calls: each checks the record and its table entry
+// (a broken one is an internal assertion and scsi 0, code 10), traces, and
+// forwards to the driver.
+ScanStatus reserve_ScanDevice(ScanDeviceInfo *dev);
+ScanStatus ready_ScanDevice(ScanDeviceInfo *dev);
+ScanStatus inquire_ScanDevice(ScanDeviceInfo *dev);
+ScanStatus setup1_ScanDevice(ScanDeviceInfo *dev, Drawing *drawing);
+ScanStatus set_window_ScanDevice(ScanDeviceInfo *dev, Drawing *drawing);
+ScanStatus setup2_ScanDevice(ScanDeviceInfo *dev, Drawing *drawing);
+ScanStatus autoload_ScanDevice(ScanDeviceInfo *dev);
+// A null eject entry means the model has no eject: success, no trace.
+ScanStatus eject_ScanDevice(ScanDeviceInfo *dev);
+ScanStatus initiate_ScanDevice(ScanDeviceInfo *dev);
+ScanStatus read_ScanDevice(ScanDeviceInfo *dev, Drawing *drawing);
+ScanStatus release_ScanDevice(ScanDeviceInfo *dev);
+// Whether the window's stop control may stay enabled during the scan.
+bool may_stop_ScanDevice(ScanDeviceInfo *dev);
+ScanStatus poll_ScanDevice(ScanDeviceInfo *dev);
+ScanStatus abort_ScanDevice(ScanDeviceInfo *dev);
+
+// Every pause of the device code goes through this function, so that tests
+// can take the time out of it. Returns the previous function.
+using ScanSleepFunction = void (*)(int milliseconds);
+ScanSleepFunction set_sleep_function_of_ScanDevice(ScanSleepFunction sleep);
+void sleep_of_ScanDevice(int milliseconds);

@@ -1,1 +1,11 @@
-# Tests of the configuration reader and the model table.
+# Tests of the configuration reader, the model table and `scanctl scanners`.
+scan_add_test(test_scan_config
+  SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/test_scanner_list.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/test_devices.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/test_scanctl_scanners.cpp
+  LIBS scan)
+target_compile_definitions(test_scan_config PRIVATE
+  SCANCTL_PATH="$<TARGET_FILE:scanctl>"
+  SAMPLES_DIR="${CMAKE_SOURCE_DIR}/samples")
+add_dependencies(test_scan_config scanctl)

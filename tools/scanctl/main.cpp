@@ -1,10 +1,45 @@
-// The station's command line.
+// The station's command line: scanctl COMMAND [ARGS].
 #include <QCoreApplication>
 
+#include <array>
 #include <cstdio>
+
+#include "tools/scanctl/command.h"
+
+std::span<const ScanctlCommand> scanctl_commands() {
+    static const std::array<ScanctlCommand, 1> commands = {{
+        {"scanners", "[--host NAME] [--all-hosts] [FILE]",
+         "read a Scan.conf as the station does and show what each scanner can do", run_scanners_command},
+    }};
+    return commands;
+}
+
+namespace {
+
+void print_help(std::FILE *out) {
+    std::fprintf(out, "usage: scanctl COMMAND [ARGS]\n       scanctl COMMAND --help\n\ncommands:\n");
+    for (const ScanctlCommand &c : scanctl_commands())
+        std::fprintf(out, "  %.*s %.*s\n      %.*s\n", int(c.name.size()), c.name.data(), int(c.synopsis.size()),
+                     c.synopsis.data(), int(c.summary.size()), c.summary.data());
+}
+
+}  // namespace
 
 int main(int argc, char **argv) {
     QCoreApplication app(argc, argv);
-    std::fprintf(stderr, "usage: scanctl COMMAND [ARGS]\n");
+    QStringList args = app.arguments().mid(1);
+    if (args.isEmpty()) {
+        print_help(stderr);
+        return 2;
+    }
+    const QString name = args.takeFirst();
+    if (name == QLatin1String("--help") || name == QLatin1String("-h") || name == QLatin1String("help")) {
+        print_help(stdout);
+        return 0;
+    }
+    for (const ScanctlCommand &c : scanctl_commands())
+        if (name.toStdString() == c.name) return c.run(args);
+    std::fprintf(stderr, "scanctl: unknown command '%s'\n\n", name.toLocal8Bit().constData());
+    print_help(stderr);
     return 2;
 }

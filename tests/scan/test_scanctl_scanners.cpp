@@ -1,0 +1,86 @@
+// Runs the built scanctl on the sample studio file.
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct ScanctlRun {
+    int status = -1;
+    QString out, err;
+};
+
+ScanctlRun scanctl(const QStringList &args) {
+    QProcess p;
+    p.start(QStringLiteral(SCANCTL_PATH), args);
+    ScanctlRun r;
+    if (!p.waitForFinished(30000)) return r;
+    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+    r.out = QString::fromUtf8(p.readAllStandardOutput());
+    r.err = QString::fromUtf8(p.readAllStandardError());
+    return r;
+}
+
+class ScanctlScanners : public ::testing::Test {
+protected:
+    void SetUp() override {
+        QFile sample(QStringLiteral(SAMPLES_DIR "/Scan.conf"));
+        ASSERT_TRUE(sample.open(QIODevice::ReadOnly));
+        QByteArray text = sample.readAll();
+        text.replace("@HOST@", "studio-a");
+        path_ = dir_.filePath(QStringLiteral("Scan.conf"));
+        QFile conf(path_);
+        ASSERT_TRUE(conf.open(QIODevice::WriteOnly));
+        conf.write(text);
+    }
+    QTemporaryDir dir_;
+    QString path_;
+};
+
+}  // namespace
+
+TEST_F(ScanctlScanners, ShowsTheStationsScannersAndTheReadersMessages) {
+    const ScanctlRun r = scanctl({QStringLiteral("scanners"), QStringLiteral("--host"), QStringLiteral("STUDIO-A"), path_});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(r.err, QStringLiteral("Unknown defaultPegSide value 'bottom'\n"
+                                    "Config file %1: WaitBetweenDrawings should be >= 0 or less than 1000. \n"
+                                    "Model Agfa_Arcus Is Not A Supported Scanner.\n"
+                                    "Invalid Resolution for model Test_Scanner: 300 changed to 200.\n"
+                                    "Invalid Resolution for model Line_Art: 250 changed to 300.\n")
+                         .arg(path_));
+    const QString &out = r.out;
+    EXPECT_TRUE(out.startsWith(QStringLiteral("3 scanners for host 'STUDIO-A'\n")));
+    EXPECT_TRUE(out.contains(QStringLiteral("Scanner Name:\tTest_Scanner\nDevice:\t\tfieldchart\n"
+                                            "Scanner Model:\tBogus-Color\n"
+                                            "Description:\tField chart test scanner # the sign here is text")));
+    EXPECT_TRUE(out.contains(QStringLiteral("  resolutions: 72 100 150 200 300 400 600 (lowest 72, highest 200")));
+    EXPECT_TRUE(out.contains(QStringLiteral("    threshold 0..255, default 100\n")));
+    EXPECT_TRUE(out.contains(QStringLiteral("speed 5..35000 Milliseconds/Line, default 10; presets: fast 2000 custom")));
+    EXPECT_TRUE(out.contains(QStringLiteral("  default peg side: Top\n")));
+    EXPECT_TRUE(out.contains(QStringLiteral("Scanner Name:\tTWAIN\nDevice:\t\tsc0;d0;l0\n")));
+    EXPECT_TRUE(out.contains(QStringLiteral("    ready      nop\n")));
+    EXPECT_FALSE(out.contains(QStringLiteral("Old_Flatbed")));
+    EXPECT_FALSE(out.contains(QStringLiteral("Ink_Feeder")));
+}
+
+TEST_F(ScanctlScanners, AllHostsReadsEveryHostOnce) {
+    const ScanctlRun r = scanctl({QStringLiteral("scanners"), QStringLiteral("--all-hosts"), path_});
+    ASSERT_EQ(r.status, 0);
+    EXPECT_EQ(r.out.count(QStringLiteral("=== host ")), 3);
+    EXPECT_TRUE(r.out.contains(QStringLiteral("=== host paint01 ===\n2 scanners for host 'paint01'")));
+    EXPECT_TRUE(r.out.contains(QStringLiteral("1 scanner for host 'layout02'")));
+    EXPECT_TRUE(r.err.contains(QStringLiteral("Unknown keyword 'something:' in file '%1'.\n").arg(path_)));
+    EXPECT_TRUE(r.err.contains(QStringLiteral("defaultBrightness should be > 0 or less than 255.\n")));
+}
+
+TEST_F(ScanctlScanners, UnreadableFileAndBadArgumentsFail) {
+    EXPECT_EQ(scanctl({QStringLiteral("scanners"), dir_.filePath(QStringLiteral("none.conf"))}).status, 1);
+    EXPECT_EQ(scanctl({QStringLiteral("scanners"), dir_.path()}).status, 1);
+    EXPECT_EQ(scanctl({QStringLiteral("scanners"), QStringLiteral("--colour")}).status, 2);
+    EXPECT_EQ(scanctl({QStringLiteral("frobnicate")}).status, 2);
+    const ScanctlRun help = scanctl({QStringLiteral("--help")});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_TRUE(help.out.contains(QStringLiteral("scanners [--host NAME] [--all-hosts] [FILE]")));
+}

@@ -1,6 +1,7 @@
 #include "suite/base/lmv_trace.h"
 
 #include <QCoreApplication>
+#include <QRegularExpression>
 
 #include <cstdarg>
 #include <cstdio>
@@ -19,6 +20,26 @@ QString formatMessage(const char *format, va_list args) {
     std::size_t n = std::strlen(buffer);
     if (n > 0 && buffer[n - 1] == '\n') buffer[n - 1] = '\0';
     return QString::fromUtf8(buffer);
+}
+
+// What a format takes from the argument list: each conversion with its length
+// modifier, and a '*' for each width or precision read from the arguments.
+QStringList argumentShape(const QString &format) {
+    static const QRegularExpression conversion(
+        QStringLiteral("%([-+ #0']*)(\\*|\\d+)?(?:\\.(\\*|\\d*))?(hh|h|ll|l|L|j|z|t)?([diouxXeEfFgGaAcspn%])"));
+    QStringList shape;
+    qsizetype percents = 0;  // '%' signs that belong to a known conversion
+    for (auto it = conversion.globalMatch(format); it.hasNext();) {
+        const auto m = it.next();
+        percents += m.captured(0).count(QLatin1Char('%'));
+        if (m.captured(5) == QLatin1String("%")) continue;
+        if (m.captured(2) == QLatin1String("*")) shape << QStringLiteral("*");
+        if (m.captured(3) == QLatin1String("*")) shape << QStringLiteral("*");
+        shape << m.captured(4) + m.captured(5);
+    }
+    // Any other '%' (a positional argument, say) is a conversion we cannot check.
+    if (format.count(QLatin1Char('%')) != percents) shape << QStringLiteral("?");
+    return shape;
 }
 
 }  // namespace
@@ -46,11 +67,13 @@ void LMV_error(const char *format, ...) {
     va_copy(copy, args);
     QString source = formatMessage(format, args);
     va_end(args);
-    // The translated format must keep the conversions of the source; a
-    // translation is only used when it exists.
-    QByteArray translatedFormat = QCoreApplication::translate("Scan", format).toUtf8();
-    const QString text = translatedFormat == QByteArray(format) ? source
-                                                          : formatMessage(translatedFormat.constData(), copy);
+    // A translation is used only when it takes the same arguments as the source:
+    // a faulty translation file must not read past the arguments.
+    const QString translatedFormat = QCoreApplication::translate("Scan", format);
+    const QString sourceFormat = QString::fromUtf8(format);
+    const bool usable = translatedFormat != sourceFormat &&
+                        argumentShape(translatedFormat) == argumentShape(sourceFormat);
+    const QString text = usable ? formatMessage(translatedFormat.toUtf8().constData(), copy) : source;
     va_end(copy);
     MSG_Scope(MSG_Text::translated(text, source), MSG_ACTION_ERROR);
 }

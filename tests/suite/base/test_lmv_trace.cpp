@@ -69,6 +69,22 @@ TEST_F(TraceTest, ErrorIsTranslatedForTheOperatorAndLoggedInTheSource) {
     EXPECT_EQ(textOf(lines()[0]), "Paper jam in ADF");
 }
 
+TEST_F(TraceTest, TranslationTakingOtherArgumentsIsNotUsed) {
+    TableTranslator tr({{{"Scan", "Sense key %d on %s"}, "Code %s sur %d"},
+                        {{"Scan", "Timeout after %d s"}, "D\u00e9lai %d s d\u00e9pass\u00e9 (%s)"},
+                        {{"Scan", "Lamp at %d%%"}, "Lampe \u00e0 %1$d%%"},
+                        {{"Scan", "Width %*d"}, "Largeur %*d"}});
+    LMV_error("Sense key %d on %s", 5, "sg0");
+    LMV_error("Timeout after %d s", 30);
+    LMV_error("Lamp at %d%%", 80);
+    LMV_error("Width %*d", 6, 42);
+    ASSERT_EQ(m()->shown.size(), 4u);
+    EXPECT_EQ(m()->shown[0].texts, QStringList{"Sense key 5 on sg0"});
+    EXPECT_EQ(m()->shown[1].texts, QStringList{"Timeout after 30 s"});
+    EXPECT_EQ(m()->shown[2].texts, QStringList{"Lamp at 80%"});
+    EXPECT_EQ(m()->shown[3].texts, QStringList{"Largeur     42"});  // same arguments: used
+}
+
 namespace {
 int guarded(const int *p) {
     LMV_ASSERT_RET(p != nullptr, -1);

@@ -295,7 +295,6 @@ TEST(PendingReport, TextOfTheBox) {
 }
 
 TEST_F(MessageTest, NoFreeLogEndsTheProcess) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
     const QString folder = dir.path();
     EXPECT_EXIT(
         {

@@ -73,6 +73,7 @@ public:
     virtual void setDirectMode(bool on);
     virtual bool isDirectMode() const;
     virtual void setSilent(bool on);
+    // Kept for callers that ask; every log line carries its time already.
     virtual void setTimeLogging(bool on);
     virtual bool isTimeLogging() const;
     // While suspended, reports pile up; lifting the suspension shows them.

@@ -45,6 +45,16 @@ int32_t send_reserve_unit(ScanDeviceInfo *dev) {
     return scsi;
 }
 
+// An operator message of the "Scan" context; like the printf reports, it
+// drops the line end that the texts carry.
+void report_error(const MSG_Text &text) {
+    const auto chop = [](QString s) {
+        if (s.endsWith(QLatin1Char('\n'))) s.chop(1);
+        return s;
+    };
+    MSG_Scope(MSG_Text::translated(chop(text.text()), chop(text.source())), MSG_ACTION_ERROR);
+}
+
 void close_handle(ScanDeviceInfo *dev) {
     LMV_scsi_close(dev->scsi);
     dev->scsi = nullptr;
@@ -78,11 +88,10 @@ ScanStatus generic_reserve_of_ScanDeviceInfo(ScanDeviceInfo *dev) {
     LMV_ASSERT_RET(dev != nullptr, kBrokenRecord);
     if (dev->opened) return {};
     if (!LMV_scsi_open(dev->device, &dev->scsi)) {
-        MSG_Scope(MSG_Text("Scan", "Failed to initialize scanner %1 model %2 connected to %3\n")
-                      .arg(dev->name)
-                      .arg(dev->model)
-                      .arg(dev->device),
-                  MSG_ACTION_ERROR);
+        report_error(MSG_Text("Scan", "Failed to initialize scanner %1 model %2 connected to %3\n")
+                         .arg(dev->name)
+                         .arg(dev->model)
+                         .arg(dev->device));
         dev->opened = false;
         return {SCSI_FAILURE, STATUS_OPEN_FAILED};
     }
@@ -122,8 +131,7 @@ ScanStatus generic_inquire_of_ScanDeviceInfo(ScanDeviceInfo *dev) {
     const bool taken =
         LMV_scsi_read(dev->scsi, kInquiry.data(), kInquiry.size(), kInquiryTimeoutMs, reply.data(), kInquiryLength, &scsi);
     if (!taken || scsi != SCSI_GOOD) {
-        MSG_Scope(MSG_Text("Scan", "ScannerInquire: status %1/%2 returned\n").arg(taken ? 1 : 0).arg(scsi),
-                  MSG_ACTION_ERROR);
+        report_error(MSG_Text("Scan", "ScannerInquire: status %1/%2 returned\n").arg(taken ? 1 : 0).arg(scsi));
         if (scsi != SCSI_GOOD) return {scsi, STATUS_DEVICE_ERROR};
     }
     const char *name = reinterpret_cast<const char *>(reply.data() + kInquiryNameOffset);

@@ -118,7 +118,7 @@ TEST_F(DeviceTest, ReserveOfAMissingDeviceFails) {
     EXPECT_EQ(dev_.scsi, nullptr);
     ASSERT_EQ(capture.errors().size(), 1u);
     EXPECT_EQ(capture.errors()[0],
-              "Failed to initialize scanner Desk 2 model Fujitsu_M3096G connected to sim:no such scanner\n");
+              "Failed to initialize scanner Desk 2 model Fujitsu_M3096G connected to sim:no such scanner");
 }
 
 TEST_F(DeviceTest, SecondReserveLeavesTheFirstAlone) {
@@ -160,7 +160,7 @@ TEST_F(DeviceTest, InquiryFailureKeepsTheOldName) {
     target_->queueReply(kInquiry, SimScsiReply::check(2));
     EXPECT_EQ(inquire_ScanDevice(&dev_), scan_status(SCSI_NOT_READY, STATUS_DEVICE_ERROR));
     EXPECT_EQ(dev_.inqName, QStringLiteral("kept"));
-    EXPECT_EQ(capture.errors(), std::vector<std::string>{"ScannerInquire: status 1/7 returned\n"});
+    EXPECT_EQ(capture.errors(), std::vector<std::string>{"ScannerInquire: status 1/7 returned"});
 }
 
 TEST_F(DeviceTest, InquiryOfAnUnopenedRecordDoesNothing) {

@@ -165,8 +165,7 @@ ScanStatus eject_of_ScannerEntry(ScannerEntry *e) {
     LMV_ASSERT_RET(dev != nullptr, scan_status(SCSI_GOOD, STATUS_INTERNAL_ERROR));
     const bool was = dev->last_drawing;
     dev->last_drawing = true;
-    // A null eject is how a family says it has none: success, nothing done.
-    const ScanStatus status = dev->ops.eject ? dev->ops.eject(dev) : ScanStatus{};
+    const ScanStatus status = eject_ScanDevice(dev);
     dev->last_drawing = was;
     return status;
 }

@@ -32,6 +32,10 @@ enum AspiStatus : uint8_t {
 // Device types a scanner may call itself.
 inline constexpr uint8_t kAspiDeviceTypeProcessor = 3;
 inline constexpr uint8_t kAspiDeviceTypeScanner = 6;
+// Some scanners call themselves processors; both are opened.
+inline bool aspi_device_type_accepted(uint8_t requestStatus, uint8_t deviceType) {
+    return requestStatus == 1 && (deviceType == kAspiDeviceTypeScanner || deviceType == kAspiDeviceTypeProcessor);
+}
 
 struct AspiExecRequest {
     uint8_t command = kAspiExecuteCommand;

@@ -144,9 +144,7 @@ bool open_aspi(ScsiHandle &h) {
     block.SRB_Target = h.target;
     block.SRB_Lun = h.lun;
     lib.send(&block);
-    if (block.SRB_Status != ASPI_COMPLETED ||
-        (block.SRB_DeviceType != kAspiDeviceTypeScanner && block.SRB_DeviceType != kAspiDeviceTypeProcessor))
-        return fail();
+    if (!aspi_device_type_accepted(block.SRB_Status, block.SRB_DeviceType)) return fail();
     h.backend = std::make_unique<AspiBackend>();
     return true;
 }

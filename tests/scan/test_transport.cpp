@@ -316,6 +316,14 @@ TEST(Aspi, ComposesTheExecuteRequest) {
     EXPECT_EQ(set.senseLength, 0);
 }
 
+TEST(Aspi, OpensScannersAndProcessors) {
+    EXPECT_TRUE(aspi_device_type_accepted(ASPI_COMPLETED, 6));
+    EXPECT_TRUE(aspi_device_type_accepted(ASPI_COMPLETED, 3));
+    EXPECT_FALSE(aspi_device_type_accepted(ASPI_COMPLETED, 5));  // a CD-ROM drive
+    EXPECT_FALSE(aspi_device_type_accepted(ASPI_COMPLETED, 0));
+    EXPECT_FALSE(aspi_device_type_accepted(ASPI_INVALID_REQUEST, 6));
+}
+
 TEST(Aspi, StatusTableAndItsTraces) {
     DebugTraces debug;
     MessageCapture capture;

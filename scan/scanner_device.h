@@ -117,48 +117,51 @@ bool feeder_of_ScanDeviceInfo(const ScanDeviceInfo *dev, int32_t depth);
 
 // Accessors. Each asserts a non-null record and otherwise returns a neutral
 // value (empty text, false, 0, a null pointer); setters then do nothing.
+#define SCAN_DEVICE_INFO_FIELDS(X) \
+    X(QString, name) \
+    X(QString, device) \
+    X(QString, model) \
+    X(ScsiHandle *, scsi) \
+    X(bool, opened) \
+    X(bool, reserved) \
+    X(bool, bw_supported) \
+    X(bool, bw_feeder) \
+    X(bool, grey_supported) \
+    X(bool, grey_feeder) \
+    X(bool, colour_supported) \
+    X(bool, colour_feeder) \
+    X(int32_t, default_threshold) \
+    X(int32_t, default_contrast) \
+    X(int32_t, default_black_point) \
+    X(int32_t, default_white_point) \
+    X(float, default_gamma) \
+    X(int32_t, registration_strictness) \
+    X(int32_t, default_depth) \
+    X(int32_t, min_resolution) \
+    X(int32_t, max_resolution) \
+    X(int32_t, default_resolution) \
+    X(int32_t, flag_a) \
+    X(int32_t, flag_b) \
+    X(int32_t, optical_capable) \
+    X(int32_t, optical_dpi_limit) \
+    X(QString, gamma_file) \
+    X(bool, optical_reg) \
+    X(bool, autofeeded) \
+    X(int32_t, default_brightness) \
+    X(int32_t, default_gamma_mode) \
+    X(bool, last_drawing) \
+    X(QString, inqName) \
+    X(QString, dropOutColor) \
+    X(float, leftOffset) \
+    X(double, max_scan_inches_x) \
+    X(double, max_scan_inches_y) \
+    X(int32_t, flag_c) \
+    X(QStringList, rgbDropList)
+
 #define SCAN_DEVICE_INFO_ACCESSOR(type, field)                            \
     type field##_of_ScanDeviceInfo(const ScanDeviceInfo *dev);            \
     void set_##field##_of_ScanDeviceInfo(ScanDeviceInfo *dev, type value);
-SCAN_DEVICE_INFO_ACCESSOR(QString, name)
-SCAN_DEVICE_INFO_ACCESSOR(QString, device)
-SCAN_DEVICE_INFO_ACCESSOR(QString, model)
-SCAN_DEVICE_INFO_ACCESSOR(ScsiHandle *, scsi)
-SCAN_DEVICE_INFO_ACCESSOR(bool, opened)
-SCAN_DEVICE_INFO_ACCESSOR(bool, reserved)
-SCAN_DEVICE_INFO_ACCESSOR(bool, bw_supported)
-SCAN_DEVICE_INFO_ACCESSOR(bool, bw_feeder)
-SCAN_DEVICE_INFO_ACCESSOR(bool, grey_supported)
-SCAN_DEVICE_INFO_ACCESSOR(bool, grey_feeder)
-SCAN_DEVICE_INFO_ACCESSOR(bool, colour_supported)
-SCAN_DEVICE_INFO_ACCESSOR(bool, colour_feeder)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_threshold)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_contrast)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_black_point)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_white_point)
-SCAN_DEVICE_INFO_ACCESSOR(float, default_gamma)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, registration_strictness)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_depth)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, min_resolution)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, max_resolution)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_resolution)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, flag_a)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, flag_b)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, optical_capable)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, optical_dpi_limit)
-SCAN_DEVICE_INFO_ACCESSOR(QString, gamma_file)
-SCAN_DEVICE_INFO_ACCESSOR(bool, optical_reg)
-SCAN_DEVICE_INFO_ACCESSOR(bool, autofeeded)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_brightness)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, default_gamma_mode)
-SCAN_DEVICE_INFO_ACCESSOR(bool, last_drawing)
-SCAN_DEVICE_INFO_ACCESSOR(QString, inqName)
-SCAN_DEVICE_INFO_ACCESSOR(QString, dropOutColor)
-SCAN_DEVICE_INFO_ACCESSOR(float, leftOffset)
-SCAN_DEVICE_INFO_ACCESSOR(double, max_scan_inches_x)
-SCAN_DEVICE_INFO_ACCESSOR(double, max_scan_inches_y)
-SCAN_DEVICE_INFO_ACCESSOR(int32_t, flag_c)
-SCAN_DEVICE_INFO_ACCESSOR(QStringList, rgbDropList)
+SCAN_DEVICE_INFO_FIELDS(SCAN_DEVICE_INFO_ACCESSOR)
 #undef SCAN_DEVICE_INFO_ACCESSOR
 
 // The owned parts, by pointer (null for a null record).

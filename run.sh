@@ -7,7 +7,7 @@ scripts/install-deps.sh
 scripts/build.sh build
 
 # The sample station: a Scan.conf made for this host, unless one is configured.
-host=$(hostname -s)
+host=$(uname -n | cut -d. -f1)
 etc=${SCAN_ETC:-${XDG_CONFIG_HOME:-$HOME/.config}/scanstation}
 if [ ! -f "$etc/Scan.conf" ]; then
   mkdir -p "$etc"

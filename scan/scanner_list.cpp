@@ -46,40 +46,20 @@ int32_t read_through(const ScannerEntry *e, int32_t own, int32_t ScanDeviceInfo:
 }
 }  // namespace
 
-int32_t defaultThreshold_of_ScannerEntry(const ScannerEntry *e) {
-    LMV_ASSERT_RET(e != nullptr, -1);
-    return read_through(e, e->defaultThreshold, &ScanDeviceInfo::default_threshold);
-}
-
-int32_t defaultBlackPoint_of_ScannerEntry(const ScannerEntry *e) {
-    LMV_ASSERT_RET(e != nullptr, -1);
-    return read_through(e, e->defaultBlackPoint, &ScanDeviceInfo::default_black_point);
-}
-
-int32_t defaultWhitePoint_of_ScannerEntry(const ScannerEntry *e) {
-    LMV_ASSERT_RET(e != nullptr, -1);
-    return read_through(e, e->defaultWhitePoint, &ScanDeviceInfo::default_white_point);
-}
-
-int32_t defaultResolution_of_ScannerEntry(const ScannerEntry *e) {
-    LMV_ASSERT_RET(e != nullptr, -1);
-    return read_through(e, e->defaultResolution, &ScanDeviceInfo::default_resolution);
-}
-
-int32_t defaultContrast_of_ScannerEntry(const ScannerEntry *e) {
-    LMV_ASSERT_RET(e != nullptr, -1);
-    return read_through(e, e->defaultContrast, &ScanDeviceInfo::default_contrast);
-}
-
-int32_t defaultBrightness_of_ScannerEntry(const ScannerEntry *e) {
-    LMV_ASSERT_RET(e != nullptr, -1);
-    return read_through(e, e->defaultBrightness, &ScanDeviceInfo::default_brightness);
-}
-
-int32_t defaultGammaMode_of_ScannerEntry(const ScannerEntry *e) {
-    LMV_ASSERT_RET(e != nullptr, -1);
-    return read_through(e, e->defaultGammaMode, &ScanDeviceInfo::default_gamma_mode);
-}
+// Each reads the entry's value, or the model's when the file left it at -1.
+#define READ_THROUGH_ACCESSOR(entryField, deviceField)                        \
+    int32_t entryField##_of_ScannerEntry(const ScannerEntry *e) {              \
+        LMV_ASSERT_RET(e != nullptr, -1);                                      \
+        return read_through(e, e->entryField, &ScanDeviceInfo::deviceField);   \
+    }
+READ_THROUGH_ACCESSOR(defaultThreshold, default_threshold)
+READ_THROUGH_ACCESSOR(defaultBlackPoint, default_black_point)
+READ_THROUGH_ACCESSOR(defaultWhitePoint, default_white_point)
+READ_THROUGH_ACCESSOR(defaultResolution, default_resolution)
+READ_THROUGH_ACCESSOR(defaultContrast, default_contrast)
+READ_THROUGH_ACCESSOR(defaultBrightness, default_brightness)
+READ_THROUGH_ACCESSOR(defaultGammaMode, default_gamma_mode)
+#undef READ_THROUGH_ACCESSOR
 
 void set_defaultGammaMode_of_ScannerEntry(ScannerEntry *e, int32_t mode) {
     LMV_ASSERT_VOID(e != nullptr);

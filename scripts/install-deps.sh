@@ -6,7 +6,8 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build ccache pkg-config
   qt6-base-dev qt6-base-dev-tools
-  libgtest-dev libgmock-dev libbenchmark-dev
+  libtiff-dev libtiff-tools
+  libgtest-dev libgmock-dev libbenchmark-dev libopencv-imgproc-dev
   clang libclang-rt-14-dev
 )
 

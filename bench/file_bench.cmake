@@ -1,0 +1,1 @@
+# Benchmark of saving and loading scan files.

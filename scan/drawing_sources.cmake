@@ -1,0 +1,1 @@
+# Sources of the drawing record, pixel shapes and scan information.

@@ -1,0 +1,1 @@
+# Sources of the pixmap and the band loader.

@@ -1,0 +1,1 @@
+# Sources of the image file reader and writer and the format list.

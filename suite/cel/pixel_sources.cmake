@@ -1,0 +1,1 @@
+# Sources of the pixel leaves and kernels.

@@ -1,0 +1,1 @@
+# Tests of the drawing record, pixel shapes, scan information and scanctl info.

@@ -1,0 +1,1 @@
+# Tests of the pixmap and the band loader.

@@ -1,0 +1,1 @@
+# Tests of the image files and the format list.

@@ -1,1 +1,1 @@
-# Sources of the drawing record, pixel shapes and scan information.
+# Sources of the drawing record.

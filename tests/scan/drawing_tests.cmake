@@ -1,1 +1,1 @@
-# Tests of the drawing record, pixel shapes, scan information and scanctl info.
+# Tests of the drawing record and scanctl info.

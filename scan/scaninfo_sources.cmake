@@ -1,0 +1,1 @@
+# Sources of pixel shapes and scan information.

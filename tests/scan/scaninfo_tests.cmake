@@ -1,0 +1,1 @@
+# Tests of pixel shapes and scan information.

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "scan/scsi_bytes.h"
 #include "suite/cel/cel_pixmap.h"
 
 // Kinds of an LMV_pixmap, as create_pixmap takes them and type_of_pixmap
@@ -78,8 +79,3 @@ void load_band_of_pixmap(LMV_pixmap *pixmap, int32_t *x, int32_t *y, const uint8
 // An image from outside the scanner drivers, as one band turned for the peg
 // side: Matte8 for a one-bit image, RGBA8 for anything else; null for a null image.
 CEL_PixmapPtr pixmap_from_QImage(const QImage &image, int32_t peg_side);
-
-// Byte helpers for SCSI fields, for counts of 0 to 4 bytes.
-void put_bytes_big_endian(uint8_t *buffer, int32_t count, uint32_t value);
-uint32_t get_bytes_big_endian(const uint8_t *buffer, int32_t count);
-uint32_t get_bytes_little_endian(const uint8_t *buffer, int32_t count);

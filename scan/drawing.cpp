@@ -1,0 +1,434 @@
+#include "scan/drawing.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QTextStream>
+
+#include <filesystem>
+#include <system_error>
+
+#include "scan/basic_pixel_shape.h"
+#include "scan/pixmap_pixmap.h"
+#include "scan/scanner_list.h"
+#include "scan/vector_scaninfo.h"
+#include "suite/base/assertion.h"
+#include "suite/base/msg_scope.h"
+#include "suite/base/osw_util.h"
+#include "suite/cel/celio_manager.h"
+#include "suite/cel/pixmap_format_list.h"
+
+struct Drawing {
+    QString element;
+    QString name;
+    QString path;
+    uint8_t saved = 0;
+    uint8_t rotation_set = 0;
+    int32_t file_format = 24;
+    int32_t pixel_shape = PIXEL_SHAPE_UNSET;
+    double window_xres_inches = 0.0;
+    double window_yres_inches = 0.0;
+    double window_xoffset_inches = 0.0;
+    int32_t scan_depth = 0;
+    LMV_pixmap *pixmap = nullptr;
+    LMV_scaninfo *scaninfo = nullptr;
+    uint8_t write_scaninfo_file = 0;
+    int32_t id = 0;
+};
+
+// The null checks of the accessors. A scan information field needs both the
+// record and its scan information.
+#define DRAWING_OR_RETURN(d, ret) LMV_ASSERT_RET((d) != nullptr, ret)
+#define SCANINFO_OR_RETURN(d, ret) \
+    DRAWING_OR_RETURN(d, ret);     \
+    LMV_ASSERT_RET((d)->scaninfo != nullptr, ret)
+
+namespace {
+
+// Serial numbers of the records of this run; a plain counter, since records
+// live on the scan thread only.
+int32_t drawing_serial = 0;
+
+// Asset type of pixmaps in the format list.
+constexpr int kPixmapAssetType = 7;
+// Format 2 holds grey levels; a colour picture in it is written as 24-bit colour.
+constexpr int kGreyScanFormat = 2;
+
+void report(const char *context, const char *text, const QString &path, int action) {
+    MSG_Scope scope(MSG_Text(context, text).arg(path), action);
+}
+
+// The side file is a copy of the comment, for tools that don't open images.
+// A side file that can't be written is passed over: the image is what counts.
+void write_side_file(const QString &path, const std::string &text) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) return;
+    {
+        QTextStream out(&file);
+        out << QString::fromStdString(text);
+    }
+    file.commit();
+}
+
+// The previous file is not deleted before the new one exists: the new image is
+// written beside it and renamed over it once complete, so a failed write
+// leaves the old file as it was. What can be checked before writing is
+// whether the old file can be replaced at all (its folder writable, not a
+// folder itself); when it can't, the operator hears what a failed delete
+// would have told, and the save goes on to fail or succeed on its own.
+void check_replaceable(const QString &path) {
+    const QFileInfo old(path);
+    if (!old.exists() && !old.isSymLink()) return;
+    if (!old.isDir() && QFileInfo(old.absolutePath()).isWritable()) return;
+    report("drawing.cpp", "Unable to delete file: %1", path, 0);
+}
+
+std::filesystem::path fs_path(const QString &path) { return std::filesystem::path(path.toStdU16String()); }
+
+// A name beside `target` that no other file has, for the image being written.
+QString temporary_name_beside(const QString &target) {
+    static int counter = 0;
+    QString name;
+    do {
+        name = QStringLiteral("%1.%2-%3.part")
+                   .arg(target, QString::number(QCoreApplication::applicationPid()), QString::number(++counter));
+    } while (QFileInfo::exists(name));
+    return name;
+}
+
+bool write_replacing(const CEL_Cel &cel, const QString &target, const QString &extension, const QString &formatName,
+                     const QString &comment) {
+    const QString temp = temporary_name_beside(target);
+    if (!CELIO_Manager::getInstance().write(&cel, temp, extension, formatName, comment)) {
+        QFile::remove(temp);
+        return false;
+    }
+    std::error_code error;
+    std::filesystem::rename(fs_path(temp), fs_path(target), error);
+    if (error) {
+        QFile::remove(temp);
+        return false;
+    }
+    return true;
+}
+
+template <class Leaf>
+LMV_pixmap *wrap_leaf(const CEL_RepresentationPtr &rep,
+                      LMV_pixmap *(*wrap)(const UT_SharePtr<Leaf> &, int32_t, int32_t, uint8_t)) {
+    const UT_SharePtr<Leaf> leaf = UT_dynamicCast<Leaf>(rep);
+    return leaf ? wrap(leaf, leaf->width(), leaf->height(), 1) : nullptr;
+}
+
+// A pixmap around a representation read from a file; null for a type the
+// station doesn't hold.
+LMV_pixmap *pixmap_of_representation(const CEL_RepresentationPtr &rep) {
+    switch (rep->type()) {
+    case CEL_TYPE_RGBA16: return wrap_leaf<CEL_PixmapRGBA16>(rep, wrap_rgba16_pixmap);
+    case CEL_TYPE_RGBA8: return wrap_leaf<CEL_PixmapRGBA8>(rep, wrap_rgba8_pixmap);
+    case CEL_TYPE_MATTE8: return wrap_leaf<CEL_PixmapMatte8>(rep, wrap_matte8_pixmap);
+    case CEL_TYPE_MATTE16: return wrap_leaf<CEL_PixmapMatte16>(rep, wrap_matte16_pixmap);
+    default: return nullptr;
+    }
+}
+
+// The drawing's name in a file name element-name.ext: the last two "-"
+// separated fields before the extension.
+QString name_from_file_name(const QString &path) {
+    const QString file = QFileInfo(path).fileName();
+    const qsizetype dot = file.lastIndexOf(QLatin1Char('.'));
+    return (dot < 0 ? file : file.left(dot)).section(QLatin1Char('-'), -2, -1);
+}
+
+}  // namespace
+
+const char *last_peg_side_name = "";
+
+Drawing *create_Drawing(const QString &element, const QString &name, const QString &path) {
+    auto *d = new Drawing;
+    d->element = element;
+    d->name = name;
+    d->path = path;
+    d->scaninfo = create_LMV_scaninfo();
+    d->id = drawing_serial++;
+    return d;
+}
+
+void destroy_Drawing(Drawing **drawing) {
+    LMV_ASSERT_VOID(drawing != nullptr);
+    Drawing *d = *drawing;
+    DRAWING_OR_RETURN(d, );
+    destroy_LMV_scaninfo(d->scaninfo);
+    if (d->pixmap) release_pixmap(d->pixmap);
+    delete d;
+    *drawing = nullptr;
+}
+
+Drawing *load_Drawing(const QString &path, QString &scaninfo_text, CELIO_FileInfo *info) {
+    const CEL_Context context(true, false, false, QFileInfo(path).absolutePath(), 0, QString(), 1.0);
+    QDateTime date;
+    QList<CEL_RepresentationPtr> reps;
+    if (!CELIO_Manager::getInstance().read(path, date, context, reps, &scaninfo_text, info)) {
+        report("Scan", "Cannot load file %1, unsupported type.", path, MSG_ACTION_ERROR);
+        return nullptr;
+    }
+    if (reps.isEmpty()) {
+        report("drawing.cpp", "Unable to read file %1.", path, MSG_ACTION_ERROR);
+        return nullptr;
+    }
+    LMV_pixmap *pixmap = pixmap_of_representation(reps.first());
+    if (!pixmap) {
+        report("drawing.cpp", "Cannot load file %1, unsupported type.", path, MSG_ACTION_ERROR);
+        return nullptr;
+    }
+    Drawing *d = create_Drawing(QString(), name_from_file_name(path), path);
+    set_pixmap_of_Drawing(d, pixmap);
+    return d;
+}
+
+int save_Drawing(Drawing *d) {
+    DRAWING_OR_RETURN(d, 1);
+    const int32_t format = d->file_format;
+    const TUPixmapFormatList formats(kPixmapAssetType);
+    const QString extension = formats.fileExtentionFromFormat(format);
+    const QString stem = d->path + QStringLiteral("/%1-%2.").arg(d->element, d->name);
+    const std::string scaninfo = LMV_scaninfo_to_str(d->scaninfo);
+
+    if (d->write_scaninfo_file) write_side_file(oswRemapPath::RemapPath2(stem + QStringLiteral("si")), scaninfo);
+
+    const QString file = stem + extension;
+    check_replaceable(file);
+
+    // A pixmap without pixels never reaches a save; if one does, nothing is
+    // written and the caller is not told.
+    const CEL_PixmapPtr rep = d->pixmap ? best_of_pixmap(d->pixmap) : CEL_PixmapPtr();
+    LMV_ASSERT_RET(rep, 0);
+    const int type = rep->type();
+    const CEL_CelPtr cel = CEL_Cel::create(0);
+    cel->setRepresentation(rep);
+
+    const bool colour = type == CEL_TYPE_RGBA16 || type == CEL_TYPE_RGBA8;
+    const QString formatName =
+        format == kGreyScanFormat && colour ? QStringLiteral("SCAN24") : formats.pixmapNameFromFormat(format);
+    const bool written = write_replacing(*cel, oswRemapPath::RemapPath2(file), extension, formatName,
+                                         QString::fromStdString(scaninfo));
+    if (written) d->saved = 1;
+    cel->keepOneRepresentation(type);
+    return written ? 0 : 1;
+}
+
+void flip_Drawing(Drawing *d) {
+    DRAWING_OR_RETURN(d, );
+    if (!d->pixmap) return;
+    const int32_t side = peg_side_of_Drawing(d);
+    flip_pixmap(d->pixmap, side == PEG_LEFT || side == PEG_RIGHT);
+}
+
+const char *peg_side_name(int32_t side) {
+    static constexpr const char *names[] = {"", "left", "top", "right", "bottom"};
+    last_peg_side_name = side >= PEG_LEFT && side <= PEG_BOTTOM ? names[side] : names[PEG_NONE];
+    return last_peg_side_name;
+}
+
+// ---- fields of the record --------------------------------------------------
+
+QString name_of_Drawing(const Drawing *d) {
+    DRAWING_OR_RETURN(d, QString());
+    return d->name;
+}
+
+QString path_of_Drawing(const Drawing *d) {
+    DRAWING_OR_RETURN(d, QString());
+    return d->path;
+}
+
+uint8_t saved_of_Drawing(const Drawing *d) {
+    DRAWING_OR_RETURN(d, 0);
+    return d->saved;
+}
+
+int32_t file_format_of_Drawing(const Drawing *d) {
+    DRAWING_OR_RETURN(d, 24);
+    return d->file_format;
+}
+
+void set_file_format_of_Drawing(Drawing *d, int32_t format) {
+    DRAWING_OR_RETURN(d, );
+    d->file_format = format;
+}
+
+int32_t pixel_shape_of_Drawing(const Drawing *d) {
+    DRAWING_OR_RETURN(d, PIXEL_SHAPE_UNSET);
+    return d->pixel_shape;
+}
+
+void set_pixel_shape_of_Drawing(Drawing *d, int32_t shape) {
+    DRAWING_OR_RETURN(d, );
+    d->pixel_shape = shape;
+}
+
+double window_xres_inches_of_Drawing(const Drawing *d) {
+    DRAWING_OR_RETURN(d, -1.0);
+    return d->window_xres_inches;
+}
+
+void set_window_xres_inches_of_Drawing(Drawing *d, double inches) {
+    DRAWING_OR_RETURN(d, );
+    d->window_xres_inches = inches;
+}
+
+double window_yres_inches_of_Drawing(const Drawing *d) {
+    DRAWING_OR_RETURN(d, -1.0);
+    return d->window_yres_inches;
+}
+
+void set_window_yres_inches_of_Drawing(Drawing *d, double inches) {
+    DRAWING_OR_RETURN(d, );
+    d->window_yres_inches = inches;
+}
+
+double window_xoffset_inches_of_Drawing(const Drawing *d) {
+    DRAWING_OR_RETURN(d, -1.0);
+    return d->window_xoffset_inches;
+}
+
+void set_window_xoffset_inches_of_Drawing(Drawing *d, double inches) {
+    DRAWING_OR_RETURN(d, );
+    d->window_xoffset_inches = inches;
+}
+
+int32_t scan_depth_of_Drawing(const Drawing *d) {
+    DRAWING_OR_RETURN(d, 0);
+    return d->scan_depth;
+}
+
+void set_scan_depth_of_Drawing(Drawing *d, int32_t depth) {
+    DRAWING_OR_RETURN(d, );
+    d->scan_depth = depth;
+}
+
+LMV_pixmap *pixmap_of_Drawing(const Drawing *d) {
+    DRAWING_OR_RETURN(d, nullptr);
+    return d->pixmap;
+}
+
+void set_pixmap_of_Drawing(Drawing *d, LMV_pixmap *pixmap) {
+    DRAWING_OR_RETURN(d, );
+    LMV_ASSERT_VOID(pixmap != nullptr);
+    if (pixmap == d->pixmap) return;
+    if (d->pixmap) release_pixmap(d->pixmap);
+    d->pixmap = pixmap;
+}
+
+LMV_scaninfo *scaninfo_of_Drawing(const Drawing *d) {
+    DRAWING_OR_RETURN(d, nullptr);
+    return d->scaninfo;
+}
+
+void set_write_scaninfo_file_of_Drawing(Drawing *d, uint8_t on) {
+    DRAWING_OR_RETURN(d, );
+    d->write_scaninfo_file = on;
+}
+
+int32_t id_of_Drawing(Drawing **drawing) {
+    LMV_ASSERT_RET(drawing != nullptr, -1);
+    DRAWING_OR_RETURN(*drawing, -1);
+    return (*drawing)->id;
+}
+
+// ---- fields of the scan information ----------------------------------------
+
+int32_t threshold_of_Drawing(const Drawing *d) {
+    SCANINFO_OR_RETURN(d, -1);
+    return d->scaninfo->threshold;
+}
+
+void set_threshold_of_Drawing(Drawing *d, int32_t threshold) {
+    SCANINFO_OR_RETURN(d, );
+    d->scaninfo->threshold = threshold;
+}
+
+void set_black_point_of_Drawing(Drawing *d, int32_t black_point) {
+    SCANINFO_OR_RETURN(d, );
+    d->scaninfo->black_point = black_point;
+}
+
+void set_white_point_of_Drawing(Drawing *d, int32_t white_point) {
+    SCANINFO_OR_RETURN(d, );
+    d->scaninfo->white_point = white_point;
+}
+
+void set_gamma_of_Drawing(Drawing *d, float gamma) {
+    SCANINFO_OR_RETURN(d, );
+    d->scaninfo->gamma = gamma;
+}
+
+void set_speed_of_Drawing(Drawing *d, int32_t speed) {
+    SCANINFO_OR_RETURN(d, );
+    d->scaninfo->speed = speed;
+}
+
+int32_t peg_side_of_Drawing(const Drawing *d) {
+    SCANINFO_OR_RETURN(d, PEG_NONE);
+    return d->scaninfo->peg_side;
+}
+
+void set_peg_side_of_Drawing(Drawing *d, int32_t side) {
+    SCANINFO_OR_RETURN(d, );
+    d->scaninfo->peg_side = side;
+}
+
+// An unknown state (-1) counts as pegged, as the scan information line writes it.
+bool pegged_of_Drawing(const Drawing *d) {
+    SCANINFO_OR_RETURN(d, false);
+    return d->scaninfo->pegged != 0;
+}
+
+void set_pegged_of_Drawing(Drawing *d, bool pegged) {
+    SCANINFO_OR_RETURN(d, );
+    d->scaninfo->pegged = pegged ? 1 : 0;
+}
+
+float paper_size_of_Drawing(const Drawing *d) {
+    SCANINFO_OR_RETURN(d, 0.0f);
+    return d->scaninfo->paper_size;
+}
+
+void set_paper_size_of_Drawing(Drawing *d, float field) {
+    SCANINFO_OR_RETURN(d, );
+    d->scaninfo->paper_size = field;
+}
+
+float dpi_of_Drawing(const Drawing *d) {
+    SCANINFO_OR_RETURN(d, 0.0f);
+    return d->scaninfo->dpi;
+}
+
+void set_dpi_of_Drawing(Drawing *d, float dpi) {
+    SCANINFO_OR_RETURN(d, );
+    d->scaninfo->dpi = dpi;
+}
+
+void set_pages_of_Drawing(Drawing *d, float pages) {
+    SCANINFO_OR_RETURN(d, );
+    d->scaninfo->pages = pages;
+}
+
+void set_scan_host_of_Drawing(Drawing *d, const QString &host) {
+    SCANINFO_OR_RETURN(d, );
+    d->scaninfo->scan_host = host.toStdString();
+}
+
+void set_scanner_name_of_Drawing(Drawing *d, const QString &name) {
+    SCANINFO_OR_RETURN(d, );
+    d->scaninfo->scanner_name = name.toStdString();
+}
+
+void rotation_of_Drawing(Drawing *d, float angle, float center_x, float center_y) {
+    SCANINFO_OR_RETURN(d, );
+    d->scaninfo->rotation_angle = angle;
+    d->scaninfo->rotation_center_x = center_x;
+    d->scaninfo->rotation_center_y = center_y;
+    d->rotation_set = 1;
+}

@@ -18,8 +18,13 @@ void preFlip(CEL_PixmapMatte16 *leaf, bool transpose, bool flipRows, bool flipCo
 // ((x - tx) / sx, (y - ty) / sy): the content moved by (tx, ty) and scaled by
 // (sx, sy). Whole shifts at scale 1 copy pixels exactly; other positions are
 // sampled bilinearly, and reductions average the source area of each pixel.
-// What falls outside the source is 0. `progress` may be null.
-struct ScaleProgress;
+// What falls outside the source is 0. `progress` may be null. A null result
+// means bad arguments or a stop asked by `progress`.
+struct ScaleProgress {
+    virtual ~ScaleProgress() = default;
+    // Called every few rows with the rows written so far; false stops the work.
+    virtual bool rowsDone(int done, int total) = 0;
+};
 CEL_PixmapRGBA8Ptr scale(const CEL_PixmapRGBA8 *leaf, int width, int height, double tx, double ty,
                          double sx, double sy, ScaleProgress *progress);
 CEL_PixmapRGBA16Ptr scale(const CEL_PixmapRGBA16 *leaf, int width, int height, double tx, double ty,

@@ -1,0 +1,109 @@
+// Screen pictures of the pixel leaves and the grey conversions between them.
+#include "suite/cel/cel_pixmap.h"
+
+#include <algorithm>
+
+#include "suite/cel/cel_algo.h"
+
+namespace {
+
+// Fills a QImage of `format` row by row; `convertRow(src, dst)` writes one
+// row of the leaf into the image's scan line, which may be padded.
+template <class Leaf, class Out, class ConvertRow>
+QImage imageOf(const Leaf &leaf, QImage::Format format, ConvertRow convertRow)
+{
+    if (leaf.pixelCount() == 0)
+        return QImage();
+    QImage image(leaf.width(), leaf.height(), format);
+    if (image.isNull())
+        return image;  // out of memory: no picture rather than a crash
+    for (int y = 0; y < leaf.height(); ++y)
+        convertRow(leaf.row(y), reinterpret_cast<Out *>(image.scanLine(y)));
+    return image;
+}
+
+template <class Leaf, class Out>
+QImage copyRows(const Leaf &leaf, QImage::Format format)
+{
+    const int w = leaf.width();
+    return imageOf<Leaf, Out>(leaf, format, [w](const auto *src, Out *dst) { std::copy_n(src, w, dst); });
+}
+
+// Rec. 601 weights in 256ths: 77 + 150 + 29 = 256, so white stays white.
+constexpr uint32_t kLumaR = 77, kLumaG = 150, kLumaB = 29;
+
+template <class P>
+uint32_t lumaSum(const P &p)
+{
+    return kLumaR * p.r + kLumaG * p.g + kLumaB * p.b;
+}
+
+// Fills the Matte8 block from `src`, one grey byte per source pixel.
+template <class Src, class ToGrey>
+void convertInto(CEL_PixmapMatte8 &dst, const Src &src, ToGrey toGrey)
+{
+    auto block = CEL_PixmapMatte8::makeBlock(src.width(), src.height(), false);
+    const auto *in = src.data();
+    const size_t n = src.pixelCount();
+    for (size_t i = 0; i < n; ++i)
+        block[i] = toGrey(in[i]);
+    dst.setData(std::move(block), src.width(), src.height());
+}
+
+} // namespace
+
+QImage CEL_PixmapRGBA8::getImage() const
+{
+    // A scan's alpha is 0; the screen shows its colours opaque.
+    const int w = width();
+    return imageOf<CEL_PixmapRGBA8, CEL_RGBA8Pixel>(*this, QImage::Format_RGBX8888,
+                                                    [w](const CEL_RGBA8Pixel *src, CEL_RGBA8Pixel *dst) {
+                                                        for (int x = 0; x < w; ++x)
+                                                            dst[x] = {src[x].r, src[x].g, src[x].b, 0xff};
+                                                    });
+}
+
+QImage CEL_PixmapRGBA16::getImage() const
+{
+    const int w = width();
+    return imageOf<CEL_PixmapRGBA16, CEL_RGBA16Pixel>(*this, QImage::Format_RGBX64,
+                                                      [w](const CEL_RGBA16Pixel *src, CEL_RGBA16Pixel *dst) {
+                                                          for (int x = 0; x < w; ++x)
+                                                              dst[x] = {src[x].r, src[x].g, src[x].b, 0xffff};
+                                                      });
+}
+
+QImage CEL_PixmapMatte16::getImage() const
+{
+    return copyRows<CEL_PixmapMatte16, uint16_t>(*this, QImage::Format_Grayscale16);
+}
+
+QImage CEL_PixmapMatte8::getImage() const
+{
+    return CEL_Util::getGrayScaleImage(this);
+}
+
+CEL_PixmapMatte8::CEL_PixmapMatte8(const CEL_PixmapRGBA8 &src)
+{
+    convertInto(*this, src, [](const CEL_RGBA8Pixel &p) { return uint8_t((lumaSum(p) + 128) >> 8); });
+}
+
+CEL_PixmapMatte8::CEL_PixmapMatte8(const CEL_PixmapRGBA16 &src)
+{
+    // Luminance in 16 bits times 256, brought to 8 bits with a single rounding:
+    // 65535 * 256 maps to 255 through the factor 257 * 256.
+    constexpr uint32_t kDiv = 257u * 256u;
+    convertInto(*this, src, [](const CEL_RGBA16Pixel &p) { return uint8_t((lumaSum(p) + kDiv / 2) / kDiv); });
+}
+
+CEL_PixmapMatte8::CEL_PixmapMatte8(const CEL_PixmapMatte16 &src)
+{
+    convertInto(*this, src, [](uint16_t v) { return uint8_t((uint32_t(v) + 128) / 257); });
+}
+
+QImage CEL_Util::getGrayScaleImage(const CEL_PixmapMatte8 *leaf)
+{
+    if (!leaf)
+        return QImage();
+    return copyRows<CEL_PixmapMatte8, uint8_t>(*leaf, QImage::Format_Grayscale8);
+}

@@ -1,0 +1,336 @@
+// The band loader against a pixel-by-pixel model of the turns, for every peg
+// side, data form and band split.
+#include <gtest/gtest.h>
+
+#include <QImage>
+
+#include <random>
+#include <tuple>
+#include <vector>
+
+#include "pixmap_test_support.h"
+
+namespace {
+
+enum class Form { Rgb, Grey, Bits };
+
+// Where raster pixel i of line j lands, for a line length W and H lines.
+std::pair<int, int> turned(int side, int W, int H, int i, int j)
+{
+    switch (side) {
+    case 1: return {i, j};
+    case 2: return {H - 1 - j, i};
+    case 3: return {W - 1 - i, H - 1 - j};
+    default: return {j, W - 1 - i};
+    }
+}
+
+bool quarter(int side) { return side == 2 || side == 4; }
+
+int packed_line(int W) { return (W + 7) / 8; }
+
+// A random raster in the form a scanner sends it.
+std::vector<uint8_t> make_raster(Form form, int W, int H, std::mt19937 &rng)
+{
+    const size_t bytes = form == Form::Rgb ? size_t(3 * W * H) : form == Form::Grey ? size_t(W * H)
+                                                                                      : size_t(packed_line(W) * H);
+    std::vector<uint8_t> raster(bytes);
+    for (auto &b : raster)
+        b = uint8_t(rng());
+    return raster;
+}
+
+// The expected leaf, built one pixel at a time from the table of turns.
+struct Expected {
+    int width = 0, height = 0;
+    std::vector<CEL_RGBA8Pixel> rgba;
+    std::vector<uint8_t> grey;
+};
+
+Expected model(Form form, const std::vector<uint8_t> &raster, int W, int H, int side, bool invert)
+{
+    Expected e;
+    e.width = quarter(side) ? H : W;
+    e.height = quarter(side) ? W : H;
+    const uint8_t m = invert ? 0xFF : 0;
+    if (form == Form::Rgb)
+        e.rgba.resize(size_t(W * H));
+    else
+        e.grey.resize(size_t(W * H));
+    for (int j = 0; j < H; ++j)
+        for (int i = 0; i < W; ++i) {
+            const auto [x, y] = turned(side, W, H, i, j);
+            const size_t at = size_t(y * e.width + x);
+            if (form == Form::Rgb) {
+                const uint8_t *p = &raster[size_t(3 * (j * W + i))];
+                e.rgba[at] = {uint8_t(p[0] ^ m), uint8_t(p[1] ^ m), uint8_t(p[2] ^ m), 0};
+            } else if (form == Form::Grey) {
+                e.grey[at] = raster[size_t(j * W + i)] ^ m;
+            } else {
+                const bool bit = raster[size_t(j * packed_line(W) + i / 8)] & (0x80 >> (i % 8));
+                e.grey[at] = bit != invert ? 255 : 0;
+            }
+        }
+    return e;
+}
+
+// Random band lengths as a driver might send them: any whole number of RGB
+// pixels (so bands stop within lines), whole lines otherwise.
+std::vector<size_t> random_bands(Form form, int W, size_t total, std::mt19937 &rng)
+{
+    const size_t unit = form == Form::Rgb ? 3 : form == Form::Grey ? size_t(W) : size_t(packed_line(W));
+    // Up to three lines of RGB; up to 40 lines otherwise, so that bands hold
+    // whole groups of lines turned together as well as remainders.
+    std::uniform_int_distribution<size_t> units(1, form == Form::Rgb ? size_t(3 * W) : 40);
+    std::vector<size_t> bands;
+    for (size_t done = 0; done < total;) {
+        const size_t len = std::min(total - done, units(rng) * unit);
+        bands.push_back(len);
+        done += len;
+    }
+    return bands;
+}
+
+using Case = std::tuple<Form, int, int, int, bool>; // form, W, H, side, invert
+
+class BandLoader : public ::testing::TestWithParam<Case> {};
+
+TEST_P(BandLoader, MatchesTheTableOfTurnsForAnyBandSplit)
+{
+    const auto [form, W, H, side, invert] = GetParam();
+    std::mt19937 rng(uint32_t(W * 7919 + H * 31 + side * 3 + invert));
+    const auto raster = make_raster(form, W, H, rng);
+    const Expected want = model(form, raster, W, H, side, invert);
+
+    for (int round = 0; round < 3; ++round) {
+        MessageCapture capture;
+        PixmapHolder pm(create_pixmap(form == Form::Rgb ? PIXMAP_RGBA8 : PIXMAP_MATTE8, W, H));
+        const auto bands = random_bands(form, W, raster.size(), rng);
+        int32_t x = -7, y = -7;
+        size_t offset = 0;
+        for (size_t b = 0; b < bands.size(); ++b) {
+            load_band_of_pixmap(pm.get(), &x, &y, raster.data() + offset, int32_t(bands[b]), invert,
+                                form == Form::Bits, side, b == 0, b + 1 == bands.size());
+            offset += bands[b];
+        }
+        ASSERT_EQ(assertion_count(capture), 0);
+        // After the last band the record agrees with the leaf.
+        EXPECT_EQ(width_of_pixmap(pm.get()), want.width);
+        EXPECT_EQ(height_of_pixmap(pm.get()), want.height);
+        const CEL_PixmapPtr leaf = best_of_pixmap(pm.get());
+        ASSERT_TRUE(leaf);
+        ASSERT_EQ(leaf->width(), want.width);
+        ASSERT_EQ(leaf->height(), want.height);
+        if (form == Form::Rgb) {
+            const CEL_RGBA8Pixel *got = rgba8_data_of_pixmap(pm.get());
+            ASSERT_EQ(std::vector<CEL_RGBA8Pixel>(got, got + want.rgba.size()), want.rgba);
+        } else {
+            const uint8_t *got = matte8_data_of_pixmap(pm.get());
+            ASSERT_EQ(std::vector<uint8_t>(got, got + want.grey.size()), want.grey);
+        }
+    }
+}
+
+std::string case_name(const ::testing::TestParamInfo<Case> &info)
+{
+    const auto [form, W, H, side, invert] = info.param;
+    const char *forms[] = {"rgb", "grey", "bits"};
+    return std::string(forms[int(form)]) + "_" + std::to_string(W) + "x" + std::to_string(H) + "_side" +
+           std::to_string(side) + (invert ? "_inv" : "");
+}
+
+// Sizes: a 13-pixel one-bit line (two bytes, three bits dropped), single
+// columns and rows, and sizes that exercise whole 16-line groups and
+// 16-pixel blocks with remainders.
+INSTANTIATE_TEST_SUITE_P(Sizes, BandLoader,
+                         ::testing::Combine(::testing::Values(Form::Rgb, Form::Grey, Form::Bits),
+                                            ::testing::Values(13, 1, 50),
+                                            ::testing::Values(1, 9, 37),
+                                            ::testing::Values(1, 2, 3, 4), ::testing::Bool()),
+                         case_name);
+INSTANTIATE_TEST_SUITE_P(Large, BandLoader,
+                         ::testing::Combine(::testing::Values(Form::Rgb, Form::Grey, Form::Bits),
+                                            ::testing::Values(67), ::testing::Values(83),
+                                            ::testing::Values(1, 2, 3, 4), ::testing::Bool()),
+                         case_name);
+
+// Loads `lines` grey lines of width W as one band, from the given position.
+void load_grey(LMV_pixmap *pm, int32_t *x, int32_t *y, const std::vector<uint8_t> &bytes, int side, bool first,
+               bool last)
+{
+    load_band_of_pixmap(pm, x, y, bytes.data(), int32_t(bytes.size()), false, false, side, first, last);
+}
+
+TEST(BandLoaderTurn, RecordKeepsTheRasterSizeUntilTheLastBand)
+{
+    for (int side : {2, 4}) {
+        SCOPED_TRACE(side);
+        PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 5, 3));
+        int32_t x = 0, y = 0;
+        const std::vector<uint8_t> line(5, 9);
+        load_grey(pm.get(), &x, &y, line, side, true, false);
+        EXPECT_EQ(width_of_pixmap(pm.get()), 5);
+        EXPECT_EQ(height_of_pixmap(pm.get()), 3);
+        EXPECT_EQ(matte8_of_pixmap(pm.get())->width(), 3);
+        EXPECT_EQ(matte8_of_pixmap(pm.get())->height(), 5);
+        EXPECT_EQ(type_of_pixmap(pm.get()), PIXMAP_MATTE8);
+        // The position names the next pixel in leaf coordinates: the second
+        // line's first pixel.
+        EXPECT_EQ(std::make_pair(x, y), side == 2 ? std::make_pair(1, 0) : std::make_pair(1, 4));
+
+        load_grey(pm.get(), &x, &y, line, side, false, false);
+        load_grey(pm.get(), &x, &y, line, side, false, true);
+        EXPECT_EQ(width_of_pixmap(pm.get()), 3);
+        EXPECT_EQ(height_of_pixmap(pm.get()), 5);
+    }
+}
+
+TEST(BandLoaderStart, FirstBandSetsTheStartOfEachSide)
+{
+    const std::pair<int, int> starts[] = {{0, 0}, {6, 0}, {3, 6}, {0, 3}}; // W = 4, H = 7
+    for (int side = 1; side <= 4; ++side) {
+        PixmapHolder pm(create_pixmap(PIXMAP_RGBA8, 4, 7));
+        int32_t x = 99, y = 99;
+        const uint8_t byte = 1;
+        // One byte is no whole pixel: nothing is stored, the start stays.
+        load_band_of_pixmap(pm.get(), &x, &y, &byte, 1, false, false, side, true, false);
+        EXPECT_EQ(std::make_pair(x, y), starts[side - 1]) << "side " << side;
+    }
+}
+
+TEST(BandLoaderRejects, BandsThatAreNotWholeLinesAreDroppedWhole)
+{
+    for (bool bits : {false, true}) {
+        SCOPED_TRACE(bits);
+        // 13-pixel lines: 13 grey bytes or 2 packed bytes a line.
+        const int line = bits ? 2 : 13;
+        PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 13, 4));
+        int32_t x = 0, y = 0;
+        std::vector<uint8_t> one_line(size_t(line), 0xFF);
+        load_band_of_pixmap(pm.get(), &x, &y, one_line.data(), line, false, bits, 3, true, false);
+        const std::vector<uint8_t> before(matte8_data_of_pixmap(pm.get()), matte8_data_of_pixmap(pm.get()) + 52);
+        const auto pos = std::make_pair(x, y);
+
+        MessageCapture capture;
+        std::vector<uint8_t> ragged(size_t(line + 1), 0x00);
+        load_band_of_pixmap(pm.get(), &x, &y, ragged.data(), int32_t(ragged.size()), false, bits, 3, false, false);
+        EXPECT_EQ(assertion_count(capture), 1);
+        EXPECT_EQ(std::make_pair(x, y), pos);
+        EXPECT_EQ(std::vector<uint8_t>(matte8_data_of_pixmap(pm.get()), matte8_data_of_pixmap(pm.get()) + 52),
+                  before);
+    }
+}
+
+TEST(BandLoaderRejects, BandsPastTheEndOrFromNowhereStoreNothing)
+{
+    PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 4, 2));
+    int32_t x = 0, y = 0;
+    const std::vector<uint8_t> first_line(4, 1);
+    load_band_of_pixmap(pm.get(), &x, &y, first_line.data(), 4, false, false, 1, true, false);
+    const uint8_t *px = matte8_data_of_pixmap(pm.get());
+    const std::vector<uint8_t> before(px, px + 8);
+
+    MessageCapture capture;
+    const std::vector<uint8_t> two_lines(8, 7);
+    load_band_of_pixmap(pm.get(), &x, &y, two_lines.data(), 8, false, false, 1, false, false);
+    EXPECT_EQ(std::make_pair(x, y), std::make_pair(0, 1));
+    // Positions outside the raster, and a grey band that starts within a line.
+    for (const auto &[px_x, px_y] : {std::make_pair(0, 2), std::make_pair(-1, 0), std::make_pair(4, 0),
+                                     std::make_pair(1, 1)}) {
+        x = px_x, y = px_y;
+        load_band_of_pixmap(pm.get(), &x, &y, two_lines.data(), 4, false, false, 1, false, false);
+        EXPECT_EQ(std::make_pair(x, y), std::make_pair(px_x, px_y));
+    }
+    EXPECT_EQ(assertion_count(capture), 5);
+    EXPECT_EQ(std::vector<uint8_t>(px, px + 8), before) << "nothing stored";
+}
+
+TEST(BandLoaderRejects, WrongKindPegSideOrLengthWritesNothing)
+{
+    const std::vector<uint8_t> bytes(12, 200);
+    MessageCapture capture;
+    {
+        PixmapHolder pm(create_pixmap(PIXMAP_MATTE16, 4, 1));
+        int32_t x = 0, y = 0;
+        load_band_of_pixmap(pm.get(), &x, &y, bytes.data(), 4, false, false, 1, true, true);
+        EXPECT_EQ(matte16_data_of_pixmap(pm.get())[0], 0);
+    }
+    for (int side : {0, 5}) {
+        PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 4, 1));
+        int32_t x = 3, y = 3;
+        load_band_of_pixmap(pm.get(), &x, &y, bytes.data(), 4, false, false, side, true, true);
+        EXPECT_EQ(matte8_data_of_pixmap(pm.get())[0], 0);
+        EXPECT_EQ(std::make_pair(x, y), std::make_pair(3, 3));
+    }
+    {
+        PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 4, 1));
+        int32_t x = 0, y = 0;
+        load_band_of_pixmap(pm.get(), &x, &y, bytes.data(), 0, false, false, 1, true, true);
+        EXPECT_EQ(matte8_data_of_pixmap(pm.get())[0], 0);
+    }
+    EXPECT_EQ(assertion_count(capture), 4);
+}
+
+TEST(BandLoaderRejects, OneBitColourIsReadAsRgb)
+{
+    PixmapHolder pm(create_pixmap(PIXMAP_RGBA8, 2, 1));
+    const uint8_t rgb[] = {1, 2, 3, 4, 5, 6};
+    int32_t x = 0, y = 0;
+    MessageCapture capture;
+    load_band_of_pixmap(pm.get(), &x, &y, rgb, 6, false, true, 1, true, true);
+    EXPECT_EQ(assertion_count(capture), 1);
+    EXPECT_EQ(rgba8_data_of_pixmap(pm.get())[1], (CEL_RGBA8Pixel{4, 5, 6, 0}));
+}
+
+// A one-bit image 13 pixels wide, padded by Qt to 4 bytes a line.
+QImage mono_image()
+{
+    QImage image(13, 3, QImage::Format_Mono);
+    image.fill(0);
+    for (int y = 0; y < 3; ++y)
+        for (int x = 0; x < 13; ++x)
+            image.setPixel(x, y, (x + 2 * y) % 3 == 0 ? 1 : 0);
+    return image;
+}
+
+TEST(PixmapFromQImage, MonoImageIsSpreadAndTurned)
+{
+    const QImage image = mono_image();
+    ASSERT_NE(image.bytesPerLine(), 2);
+    for (int side = 1; side <= 4; ++side) {
+        SCOPED_TRACE(side);
+        const auto leaf = UT_dynamicCast<CEL_PixmapMatte8>(pixmap_from_QImage(image, side));
+        ASSERT_TRUE(leaf);
+        ASSERT_EQ(leaf->width(), quarter(side) ? 3 : 13);
+        for (int j = 0; j < 3; ++j)
+            for (int i = 0; i < 13; ++i) {
+                const auto [x, y] = turned(side, 13, 3, i, j);
+                ASSERT_EQ(leaf->at(x, y), image.pixelIndex(i, j) ? 255 : 0) << i << "," << j;
+            }
+    }
+}
+
+TEST(PixmapFromQImage, ColourImageKeepsItsColoursAndTurns)
+{
+    QImage image(5, 4, QImage::Format_ARGB32);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 5; ++x)
+            image.setPixel(x, y, qRgba(40 * x, 50 * y, 7 * x + y, 128));
+    for (int side = 1; side <= 4; ++side) {
+        SCOPED_TRACE(side);
+        const auto leaf = UT_dynamicCast<CEL_PixmapRGBA8>(pixmap_from_QImage(image, side));
+        ASSERT_TRUE(leaf);
+        ASSERT_EQ(leaf->height(), quarter(side) ? 5 : 4);
+        const QImage opaque = image.convertToFormat(QImage::Format_RGB32);
+        for (int j = 0; j < 4; ++j)
+            for (int i = 0; i < 5; ++i) {
+                const auto [x, y] = turned(side, 5, 4, i, j);
+                const QRgb want = opaque.pixel(i, j);
+                ASSERT_EQ(leaf->at(x, y),
+                          (CEL_RGBA8Pixel{uint8_t(qRed(want)), uint8_t(qGreen(want)), uint8_t(qBlue(want)), 0}));
+            }
+    }
+    EXPECT_FALSE(pixmap_from_QImage(QImage(), 1));
+}
+
+} // namespace

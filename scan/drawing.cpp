@@ -232,86 +232,49 @@ const char *peg_side_name(int32_t side) {
 }
 
 // ---- fields of the record --------------------------------------------------
+// Plain fields are generated from one line each; the assertion of each
+// accessor still names the line of its own field.
 
-QString name_of_Drawing(const Drawing *d) {
-    DRAWING_OR_RETURN(d, QString());
-    return d->name;
-}
+#define DRAWING_GETTER(field, type, fallback)      \
+    type field##_of_Drawing(const Drawing *d) {    \
+        DRAWING_OR_RETURN(d, fallback);            \
+        return d->field;                           \
+    }
+#define DRAWING_SETTER(field, type)                     \
+    void set_##field##_of_Drawing(Drawing *d, type v) { \
+        DRAWING_OR_RETURN(d, );                         \
+        d->field = v;                                   \
+    }
+#define DRAWING_FIELD(field, type, fallback) \
+    DRAWING_GETTER(field, type, fallback)    \
+    DRAWING_SETTER(field, type)
 
-QString path_of_Drawing(const Drawing *d) {
-    DRAWING_OR_RETURN(d, QString());
-    return d->path;
-}
+#define SCANINFO_GETTER(field, type, fallback)  \
+    type field##_of_Drawing(const Drawing *d) { \
+        SCANINFO_OR_RETURN(d, fallback);        \
+        return d->scaninfo->field;              \
+    }
+#define SCANINFO_SETTER(field, type)                    \
+    void set_##field##_of_Drawing(Drawing *d, type v) { \
+        SCANINFO_OR_RETURN(d, );                        \
+        d->scaninfo->field = v;                         \
+    }
+#define SCANINFO_FIELD(field, type, fallback) \
+    SCANINFO_GETTER(field, type, fallback)    \
+    SCANINFO_SETTER(field, type)
 
-uint8_t saved_of_Drawing(const Drawing *d) {
-    DRAWING_OR_RETURN(d, 0);
-    return d->saved;
-}
-
-int32_t file_format_of_Drawing(const Drawing *d) {
-    DRAWING_OR_RETURN(d, 24);
-    return d->file_format;
-}
-
-void set_file_format_of_Drawing(Drawing *d, int32_t format) {
-    DRAWING_OR_RETURN(d, );
-    d->file_format = format;
-}
-
-int32_t pixel_shape_of_Drawing(const Drawing *d) {
-    DRAWING_OR_RETURN(d, PIXEL_SHAPE_UNSET);
-    return d->pixel_shape;
-}
-
-void set_pixel_shape_of_Drawing(Drawing *d, int32_t shape) {
-    DRAWING_OR_RETURN(d, );
-    d->pixel_shape = shape;
-}
-
-double window_xres_inches_of_Drawing(const Drawing *d) {
-    DRAWING_OR_RETURN(d, -1.0);
-    return d->window_xres_inches;
-}
-
-void set_window_xres_inches_of_Drawing(Drawing *d, double inches) {
-    DRAWING_OR_RETURN(d, );
-    d->window_xres_inches = inches;
-}
-
-double window_yres_inches_of_Drawing(const Drawing *d) {
-    DRAWING_OR_RETURN(d, -1.0);
-    return d->window_yres_inches;
-}
-
-void set_window_yres_inches_of_Drawing(Drawing *d, double inches) {
-    DRAWING_OR_RETURN(d, );
-    d->window_yres_inches = inches;
-}
-
-double window_xoffset_inches_of_Drawing(const Drawing *d) {
-    DRAWING_OR_RETURN(d, -1.0);
-    return d->window_xoffset_inches;
-}
-
-void set_window_xoffset_inches_of_Drawing(Drawing *d, double inches) {
-    DRAWING_OR_RETURN(d, );
-    d->window_xoffset_inches = inches;
-}
-
-int32_t scan_depth_of_Drawing(const Drawing *d) {
-    DRAWING_OR_RETURN(d, 0);
-    return d->scan_depth;
-}
-
-void set_scan_depth_of_Drawing(Drawing *d, int32_t depth) {
-    DRAWING_OR_RETURN(d, );
-    d->scan_depth = depth;
-}
-
-LMV_pixmap *pixmap_of_Drawing(const Drawing *d) {
-    DRAWING_OR_RETURN(d, nullptr);
-    return d->pixmap;
-}
+DRAWING_GETTER(name, QString, QString())
+DRAWING_GETTER(path, QString, QString())
+DRAWING_GETTER(saved, uint8_t, 0)
+DRAWING_FIELD(file_format, int32_t, 24)
+DRAWING_FIELD(pixel_shape, int32_t, PIXEL_SHAPE_UNSET)
+DRAWING_FIELD(window_xres_inches, double, -1.0)
+DRAWING_FIELD(window_yres_inches, double, -1.0)
+DRAWING_FIELD(window_xoffset_inches, double, -1.0)
+DRAWING_FIELD(scan_depth, int32_t, 0)
+DRAWING_GETTER(pixmap, LMV_pixmap *, nullptr)
+DRAWING_GETTER(scaninfo, LMV_scaninfo *, nullptr)
+DRAWING_SETTER(write_scaninfo_file, uint8_t)
 
 void set_pixmap_of_Drawing(Drawing *d, LMV_pixmap *pixmap) {
     DRAWING_OR_RETURN(d, );
@@ -319,16 +282,6 @@ void set_pixmap_of_Drawing(Drawing *d, LMV_pixmap *pixmap) {
     if (pixmap == d->pixmap) return;
     if (d->pixmap) release_pixmap(d->pixmap);
     d->pixmap = pixmap;
-}
-
-LMV_scaninfo *scaninfo_of_Drawing(const Drawing *d) {
-    DRAWING_OR_RETURN(d, nullptr);
-    return d->scaninfo;
-}
-
-void set_write_scaninfo_file_of_Drawing(Drawing *d, uint8_t on) {
-    DRAWING_OR_RETURN(d, );
-    d->write_scaninfo_file = on;
 }
 
 int32_t id_of_Drawing(Drawing **drawing) {
@@ -339,45 +292,15 @@ int32_t id_of_Drawing(Drawing **drawing) {
 
 // ---- fields of the scan information ----------------------------------------
 
-int32_t threshold_of_Drawing(const Drawing *d) {
-    SCANINFO_OR_RETURN(d, -1);
-    return d->scaninfo->threshold;
-}
-
-void set_threshold_of_Drawing(Drawing *d, int32_t threshold) {
-    SCANINFO_OR_RETURN(d, );
-    d->scaninfo->threshold = threshold;
-}
-
-void set_black_point_of_Drawing(Drawing *d, int32_t black_point) {
-    SCANINFO_OR_RETURN(d, );
-    d->scaninfo->black_point = black_point;
-}
-
-void set_white_point_of_Drawing(Drawing *d, int32_t white_point) {
-    SCANINFO_OR_RETURN(d, );
-    d->scaninfo->white_point = white_point;
-}
-
-void set_gamma_of_Drawing(Drawing *d, float gamma) {
-    SCANINFO_OR_RETURN(d, );
-    d->scaninfo->gamma = gamma;
-}
-
-void set_speed_of_Drawing(Drawing *d, int32_t speed) {
-    SCANINFO_OR_RETURN(d, );
-    d->scaninfo->speed = speed;
-}
-
-int32_t peg_side_of_Drawing(const Drawing *d) {
-    SCANINFO_OR_RETURN(d, PEG_NONE);
-    return d->scaninfo->peg_side;
-}
-
-void set_peg_side_of_Drawing(Drawing *d, int32_t side) {
-    SCANINFO_OR_RETURN(d, );
-    d->scaninfo->peg_side = side;
-}
+SCANINFO_FIELD(threshold, int32_t, -1)
+SCANINFO_SETTER(black_point, int32_t)
+SCANINFO_SETTER(white_point, int32_t)
+SCANINFO_SETTER(gamma, float)
+SCANINFO_SETTER(speed, int32_t)
+SCANINFO_FIELD(peg_side, int32_t, PEG_NONE)
+SCANINFO_FIELD(paper_size, float, 0.0f)
+SCANINFO_FIELD(dpi, float, 0.0f)
+SCANINFO_SETTER(pages, float)
 
 // An unknown state (-1) counts as pegged, as the scan information line writes it.
 bool pegged_of_Drawing(const Drawing *d) {
@@ -388,31 +311,6 @@ bool pegged_of_Drawing(const Drawing *d) {
 void set_pegged_of_Drawing(Drawing *d, bool pegged) {
     SCANINFO_OR_RETURN(d, );
     d->scaninfo->pegged = pegged ? 1 : 0;
-}
-
-float paper_size_of_Drawing(const Drawing *d) {
-    SCANINFO_OR_RETURN(d, 0.0f);
-    return d->scaninfo->paper_size;
-}
-
-void set_paper_size_of_Drawing(Drawing *d, float field) {
-    SCANINFO_OR_RETURN(d, );
-    d->scaninfo->paper_size = field;
-}
-
-float dpi_of_Drawing(const Drawing *d) {
-    SCANINFO_OR_RETURN(d, 0.0f);
-    return d->scaninfo->dpi;
-}
-
-void set_dpi_of_Drawing(Drawing *d, float dpi) {
-    SCANINFO_OR_RETURN(d, );
-    d->scaninfo->dpi = dpi;
-}
-
-void set_pages_of_Drawing(Drawing *d, float pages) {
-    SCANINFO_OR_RETURN(d, );
-    d->scaninfo->pages = pages;
 }
 
 void set_scan_host_of_Drawing(Drawing *d, const QString &host) {

@@ -26,8 +26,8 @@ Drawing *load_Drawing(const QString &path, QString &scaninfo_text, CELIO_FileInf
 // the side file path/element-name.si when asked for. 0 on success, 1 when the
 // image could not be written (the previous file then stays as it was).
 int save_Drawing(Drawing *drawing);
-// Mirrors the pixmap: left and right for pegs on the left or right, else top
-// and bottom.
+// Mirrors the pixmap so that the pegs stay on their side: upside down for pegs
+// on the left or right, left to right for the others.
 void flip_Drawing(Drawing *drawing);
 
 // "left", "top", "right", "bottom"; "" for any other value. The text is also

@@ -101,23 +101,72 @@ bool reportRows(CelAlgo::ScaleProgress *progress, int done, int total)
     return progress->rowsDone(done, total);
 }
 
+// dst[x] = src[x - offset] where that lies in the source row, else 0.
+template <class P>
+void placeRow(const P *src, int srcWidth, P *dst, int dstWidth, long long offset)
+{
+    if (!src) {
+        std::fill(dst, dst + dstWidth, P{});
+        return;
+    }
+    const long long x0 = std::clamp<long long>(offset, 0, dstWidth);
+    const long long x1 = std::clamp<long long>(srcWidth + offset, x0, dstWidth);
+    std::fill(dst, dst + x0, P{});
+    std::copy(src + (x0 - offset), src + (x1 - offset), dst + x0);
+    std::fill(dst + x1, dst + dstWidth, P{});
+}
+
+// Source row `y`, or null outside the picture.
+template <class Leaf>
+const typename Leaf::Pixel *rowOrNull(const Leaf &leaf, long long y)
+{
+    return y >= 0 && y < leaf.height() ? leaf.row(int(y)) : nullptr;
+}
+
 // Whole shifts at scale 1: rows copied as they are, the rest cleared.
 template <class Leaf>
 bool shiftCopy(const Leaf &src, Leaf &dst, long long tx, long long ty, CelAlgo::ScaleProgress *progress)
 {
+    for (int y = 0; y < dst.height(); ++y) {
+        placeRow(rowOrNull(src, y - ty), src.width(), dst.row(y), dst.width(), tx);
+        if (!reportRows(progress, y + 1, dst.height()))
+            return false;
+    }
+    return true;
+}
+
+// Fractional shifts at scale 1, the registration's cut: every pixel blends
+// the same four neighbours with the same weights. Source rows are first
+// placed, shifted by the whole part and padded with 0, so the blend itself
+// has no edge cases.
+template <class Leaf>
+bool shiftBlend(const Leaf &src, Leaf &dst, double tx, double ty, CelAlgo::ScaleProgress *progress)
+{
     using P = typename Leaf::Pixel;
+    constexpr int N = Channels<P>::n;
     const int w = dst.width(), h = dst.height();
-    const long long x0 = std::clamp<long long>(tx, 0, w);
-    const long long x1 = std::clamp<long long>(src.width() + tx, x0, w);
+    const double ix = std::floor(tx), iy = std::floor(ty);
+    const float fx = float(tx - ix), fy = float(ty - iy);
+    // Destination (x, y) takes source (x - ix - 1 + {0, 1}, y - iy - 1 + {0, 1}).
+    const float w00 = fy * fx, w01 = fy * (1 - fx), w10 = (1 - fy) * fx, w11 = (1 - fy) * (1 - fx);
+    const long long offsetX = (long long)ix + 1, offsetY = (long long)iy + 1;
+
+    std::vector<P> above(size_t(w) + 1), below(size_t(w) + 1);
+    placeRow(rowOrNull(src, -offsetY), src.width(), below.data(), w + 1, offsetX);
     for (int y = 0; y < h; ++y) {
+        std::swap(above, below);
+        placeRow(rowOrNull(src, y + 1 - offsetY), src.width(), below.data(), w + 1, offsetX);
+        const P *a = above.data(), *b = below.data();
         P *out = dst.row(y);
-        const long long sy = y - ty;
-        if (sy < 0 || sy >= src.height() || x0 == x1) {
-            std::fill(out, out + w, P{});
-        } else {
-            std::fill(out, out + x0, P{});
-            std::copy(src.row(int(sy)) + (x0 - tx), src.row(int(sy)) + (x1 - tx), out + x0);
-            std::fill(out + x1, out + w, P{});
+        for (int x = 0; x < w; ++x) {
+            float a0[N], a1[N], b0[N], b1[N], v[N];
+            Channels<P>::load(a[x], a0);
+            Channels<P>::load(a[x + 1], a1);
+            Channels<P>::load(b[x], b0);
+            Channels<P>::load(b[x + 1], b1);
+            for (int c = 0; c < N; ++c)
+                v[c] = w00 * a0[c] + w01 * a1[c] + w10 * b0[c] + w11 * b1[c];
+            Channels<P>::store(out[x], v);
         }
         if (!reportRows(progress, y + 1, h))
             return false;
@@ -209,12 +258,15 @@ UT_SharePtr<Leaf> scaleLeaf(const Leaf *leaf, int width, int height, double tx, 
 
     auto out = UT_makeShared<Leaf>();
     out->setData(Leaf::makeBlock(width, height, false), width, height);
+    // Beyond this every pixel falls outside any picture anyway.
+    constexpr double kFar = 1e12;
+    tx = std::clamp(tx, -kFar, kFar);
+    ty = std::clamp(ty, -kFar, kFar);
     bool done;
     if (sx == 1.0 && sy == 1.0 && isWhole(tx) && isWhole(ty)) {
-        // Beyond this every pixel falls outside any picture anyway.
-        constexpr double kFar = 1e12;
-        done = shiftCopy(*leaf, *out, (long long)std::clamp(tx, -kFar, kFar), (long long)std::clamp(ty, -kFar, kFar),
-                         progress);
+        done = shiftCopy(*leaf, *out, (long long)tx, (long long)ty, progress);
+    } else if (sx == 1.0 && sy == 1.0) {
+        done = shiftBlend(*leaf, *out, tx, ty, progress);
     } else {
         done = Resampler<Leaf>(*leaf, width, height, tx, ty, sx, sy).run(*out, progress);
     }

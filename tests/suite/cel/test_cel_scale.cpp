@@ -169,14 +169,15 @@ struct Recorder : CelAlgo::ScaleProgress {
 TEST(CelScale, ProgressHearsEveryBandAndCanStop)
 {
     const auto src = patternLeaf<CEL_PixmapMatte8>(10, 100);
-    for (double tx : {0.0, 0.5}) {  // the copying and the resampling path
+    // Whole shift, fractional shift, and scaling: each has its own loop.
+    for (auto [tx, sy] : {std::pair{0.0, 1.0}, {0.5, 1.0}, {0.5, 2.0}}) {
         Recorder all;
-        ASSERT_TRUE(CelAlgo::scale(&src, 10, 200, tx, 0, 1, 1, &all));
-        EXPECT_EQ(all.calls, (std::vector<int>{64, 128, 192, 200})) << tx;
+        ASSERT_TRUE(CelAlgo::scale(&src, 10, 200, tx, 0, 1, sy, &all));
+        EXPECT_EQ(all.calls, (std::vector<int>{64, 128, 192, 200})) << tx << " " << sy;
         Recorder stop;
         stop.stopAt = 128;
-        EXPECT_FALSE(CelAlgo::scale(&src, 10, 200, tx, 0, 1, 1, &stop));
-        EXPECT_EQ(stop.calls, (std::vector<int>{64, 128})) << tx;
+        EXPECT_FALSE(CelAlgo::scale(&src, 10, 200, tx, 0, 1, sy, &stop));
+        EXPECT_EQ(stop.calls, (std::vector<int>{64, 128})) << tx << " " << sy;
     }
 }
 

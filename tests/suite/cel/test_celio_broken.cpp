@@ -1,0 +1,179 @@
+// Files that can't be read give false, an error text and nothing else: no
+// crash, no appended picture, no libtiff chatter on standard error.
+#include <QDir>
+#include <QFile>
+#include <QImage>
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <tiffio.h>
+
+#include "celio_test_util.h"
+
+using namespace celio_test;
+
+namespace {
+
+void putU16(QByteArray &b, uint16_t v)
+{
+    b.append(char(v & 0xFF)).append(char(v >> 8));
+}
+void putU32(QByteArray &b, uint32_t v)
+{
+    putU16(b, uint16_t(v & 0xFFFF));
+    putU16(b, uint16_t(v >> 16));
+}
+
+// The smallest striped TIFF: one strip holding `payload`, whatever size the
+// header claims.
+QByteArray minimalTiff(uint32_t width, uint32_t height, uint16_t bps, uint16_t compression, const QByteArray &payload)
+{
+    QByteArray b("II*\0", 4);
+    putU32(b, 8);
+    struct Entry {
+        uint16_t tag, type;
+        uint32_t value;
+    };
+    const uint32_t dataOffset = 8 + 2 + 8 * 12 + 4;
+    const Entry entries[] = {{256, 4, width},  {257, 4, height},     {258, 3, bps},
+                             {259, 3, compression}, {262, 3, 1},     {273, 4, dataOffset},
+                             {278, 4, height}, {279, 4, uint32_t(payload.size())}};
+    putU16(b, 8);
+    for (const Entry &e : entries) {
+        putU16(b, e.tag);
+        putU16(b, e.type);
+        putU32(b, 1);
+        if (e.type == 3) {
+            putU16(b, uint16_t(e.value));
+            putU16(b, 0);
+        } else {
+            putU32(b, e.value);
+        }
+    }
+    putU32(b, 0);
+    return b + payload;
+}
+
+class BrokenFile : public ScratchDir {
+protected:
+    QString put(const QString &name, const QByteArray &bytes)
+    {
+        QFile f(file(name));
+        EXPECT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(bytes);
+        return file(name);
+    }
+    QByteArray bytesOf(const QString &path)
+    {
+        QFile f(path);
+        EXPECT_TRUE(f.open(QIODevice::ReadOnly));
+        return f.readAll();
+    }
+    // Reads `path` into a list that already holds one picture and expects
+    // the read to fail without touching it or any output.
+    void expectRefused(const QString &path)
+    {
+        QList<CEL_RepresentationPtr> reps{CEL_RepresentationPtr(UT_makeShared<CEL_PixmapMatte8>(1, 1))};
+        const QDateTime marker(QDate(1999, 1, 1), QTime(0, 0));
+        QDateTime date = marker;
+        QString comment = QStringLiteral("untouched");
+        EXPECT_FALSE(CELIO_Manager::getInstance().read(path, date, CEL_Context(), reps, &comment));
+        EXPECT_EQ(reps.size(), 1);
+        EXPECT_EQ(date, marker);
+        EXPECT_EQ(comment, "untouched");
+        EXPECT_FALSE(CELIO_Manager::getInstance().lastError().isEmpty());
+    }
+};
+
+}  // namespace
+
+TEST_F(BrokenFile, MissingEmptyAndFolderAreRefusedWithDistinctReasons)
+{
+    expectRefused(file("missing.tif"));
+    const QString missing = CELIO_Manager::getInstance().lastError();
+    expectRefused(put("empty.tif", {}));
+    const QString empty = CELIO_Manager::getInstance().lastError();
+    ASSERT_TRUE(QDir(dir_.path()).mkdir("folder.tif"));
+    expectRefused(file("folder.tif"));
+    const QString folder = CELIO_Manager::getInstance().lastError();
+    EXPECT_NE(missing, empty);
+    EXPECT_NE(empty, folder);
+    EXPECT_TRUE(folder.contains(file("folder.tif")));
+}
+
+TEST_F(BrokenFile, DamagedTiffIsRefusedQuietly)
+{
+    testing::internal::CaptureStderr();
+    std::mt19937 rng(11);
+    for (int i = 0; i < 40; ++i) {
+        QByteArray bytes = i % 2 ? QByteArray("II*\0", 4) : QByteArray("MM\0*", 4);
+        for (int k = 0; k < 4096; ++k)
+            bytes.append(char(rng()));
+        expectRefused(put(QStringLiteral("random%1.tif").arg(i), bytes));
+    }
+
+    // Compressed strips with damaged bytes in the middle.
+    for (const QString format : {"SCAN", "TIFF"}) {
+        const QString path = file("damaged.tif");
+        ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(noiseLeaf<CEL_PixmapMatte8>(200, 100)), path, format));
+        QByteArray bytes = bytesOf(path);
+        for (int k = 100; k < 140; ++k)
+            bytes[k] = char(~bytes[k]);
+        expectRefused(put("damaged.tif", bytes));
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(BrokenFile, TruncatedFilesAreRefusedAtAnyLength)
+{
+    auto colour = noiseLeaf<CEL_PixmapRGBA8>(200, 150);
+    auto ink = UT_makeShared<CEL_PixmapMatte8>(300, 200);
+    for (size_t i = 0; i < ink->pixelCount(); ++i)
+        ink->data()[i] = (i % 17) < 3 ? 0 : 255;
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(colour), file("c.tif"), QStringLiteral("SCAN"), QStringLiteral("info")));
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(ink), file("g4.tif"), QStringLiteral("SCAN"), QStringLiteral("info")));
+    QImage png(64, 64, QImage::Format_RGB32);
+    png.fill(Qt::red);
+    ASSERT_TRUE(png.save(file("p.png")));
+
+    testing::internal::CaptureStderr();
+    for (const QString name : {"c.tif", "g4.tif"}) {
+        const QByteArray whole = bytesOf(file(name));
+        ASSERT_TRUE(readFile(file(name)).ok);
+        for (const qsizetype cut : {qsizetype(1), qsizetype(4), qsizetype(8), qsizetype(16), qsizetype(100), whole.size() / 3,
+                                    whole.size() / 2, whole.size() - 100, whole.size() - 10, whole.size() - 1}) {
+            SCOPED_TRACE(name.toStdString() + " cut to " + std::to_string(cut));
+            expectRefused(put("cut.tif", whole.left(cut)));
+        }
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    const QByteArray wholePng = bytesOf(file("p.png"));
+    expectRefused(put("cut.png", wholePng.left(wholePng.size() / 2)));
+}
+
+TEST_F(BrokenFile, AbsurdSizesAreRefusedBeforeAnyAllocation)
+{
+    // Each claims far more pixels than its few bytes could hold; a reader that
+    // believed them would try to allocate gigabytes.
+    const QByteArray few(64, '\0');
+    expectRefused(put("huge.tif", minimalTiff(100000, 100000, 8, COMPRESSION_NONE, few)));
+    EXPECT_TRUE(CELIO_Manager::getInstance().lastError().contains("too large"));
+    expectRefused(put("wide.tif", minimalTiff(4000000, 2, 8, COMPRESSION_NONE, few)));
+    expectRefused(put("plain.tif", minimalTiff(30000, 30000, 8, COMPRESSION_NONE, few)));
+    expectRefused(put("deflate.tif", minimalTiff(40000, 40000, 8, COMPRESSION_ADOBE_DEFLATE, few)));
+    expectRefused(put("g4.tif", minimalTiff(40000, 40000, 1, COMPRESSION_CCITTFAX4, few)));
+    EXPECT_TRUE(CELIO_Manager::getInstance().lastError().contains("too small"));
+
+    // The same header with honest sizes reads.
+    QByteArray pixels(6 * 4, '\x7f');
+    const ReadBack r = readFile(put("honest.tif", minimalTiff(6, 4, 8, COMPRESSION_NONE, pixels)));
+    ASSERT_TRUE(r.ok) << CELIO_Manager::getInstance().lastError().toStdString();
+    EXPECT_EQ(dynamic_cast<const CEL_PixmapMatte8 *>(r.rep.get())->at(5, 3), 0x7f);
+}
+
+TEST_F(BrokenFile, FilesThatAreNoPictureAtAll)
+{
+    expectRefused(put("notes.txt", "just some text, no picture\n"));
+    expectRefused(put("fake.png", QByteArray("\x89PNG\r\n\x1a\n", 8) + QByteArray(100, 'x')));
+}

@@ -1,0 +1,239 @@
+// Scan files written here read back exactly, with their comment and date.
+#include <QFile>
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+
+#include <signal.h>
+#include <sys/resource.h>
+#include <thread>
+#include <tiffio.h>
+
+#include "celio_test_util.h"
+
+using namespace celio_test;
+
+namespace {
+
+struct TiffTags {
+    uint16_t compression = 0, bps = 0, spp = 0, photometric = 0;
+    QString dateTime, software;
+};
+
+TiffTags tagsOf(const QString &path)
+{
+    TiffTags t;
+    TIFF *tif = TIFFOpen(QFile::encodeName(path).constData(), "r");
+    if (!tif)
+        return t;
+    TIFFGetField(tif, TIFFTAG_COMPRESSION, &t.compression);
+    TIFFGetField(tif, TIFFTAG_BITSPERSAMPLE, &t.bps);
+    TIFFGetField(tif, TIFFTAG_SAMPLESPERPIXEL, &t.spp);
+    TIFFGetField(tif, TIFFTAG_PHOTOMETRIC, &t.photometric);
+    const char *s = nullptr;
+    if (TIFFGetField(tif, TIFFTAG_DATETIME, &s))
+        t.dateTime = QString::fromLatin1(s);
+    if (TIFFGetField(tif, TIFFTAG_SOFTWARE, &s))
+        t.software = QString::fromLatin1(s);
+    TIFFClose(tif);
+    return t;
+}
+
+// A black-and-white drawing: white paper with black strokes.
+UT_SharePtr<CEL_PixmapMatte8> bilevelLeaf(int width, int height)
+{
+    auto leaf = UT_makeShared<CEL_PixmapMatte8>(width, height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            leaf->at(x, y) = ((x / 3 + y / 5) % 7 == 0 || x == width - 1) ? 0 : 255;
+    return leaf;
+}
+
+QString longComment()
+{
+    QString s;
+    for (int i = 0; i < 2000; ++i)
+        s += QStringLiteral("key%1=value %1;").arg(i);
+    return s;
+}
+
+class CommentRoundTrip : public ScratchDir, public ::testing::WithParamInterface<QString> {};
+
+template <class Leaf>
+void expectRoundTrip(const QString &path, const QString &comment, int width, int height)
+{
+    SCOPED_TRACE(Leaf::kType);
+    auto leaf = noiseLeaf<Leaf>(width, height, unsigned(Leaf::kType));
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(leaf), path, QStringLiteral("SCAN"), comment))
+        << CELIO_Manager::getInstance().lastError().toStdString();
+    const ReadBack r = readFile(path);
+    ASSERT_TRUE(r.ok) << CELIO_Manager::getInstance().lastError().toStdString();
+    EXPECT_EQ(r.appended, 1);
+    EXPECT_TRUE(samePixels(*leaf, r.rep));
+    EXPECT_EQ(r.comment, comment);
+    EXPECT_EQ(r.info.container, "TIFF");
+    EXPECT_EQ(r.info.compression, "Deflate");
+}
+
+}  // namespace
+
+TEST_P(CommentRoundTrip, EveryKindComesBackExactlyWithItsComment)
+{
+    // Sizes that are not multiples of anything, and one big enough for many strips.
+    expectRoundTrip<CEL_PixmapMatte8>(file("m8.tif"), GetParam(), 37, 23);
+    expectRoundTrip<CEL_PixmapMatte16>(file("m16.tif"), GetParam(), 301, 517);
+    expectRoundTrip<CEL_PixmapRGBA8>(file("c8.tif"), GetParam(), 1, 1);
+    expectRoundTrip<CEL_PixmapRGBA16>(file("c16.tif"), GetParam(), 301, 517);
+}
+
+INSTANTIATE_TEST_SUITE_P(Comments, CommentRoundTrip,
+                         ::testing::Values(QString(), QStringLiteral("dpi=600 peg=Top"),
+                                           QString::fromUtf8("Überprüfung — 線画 🎞 \"quoted\"\n\ttabs"),
+                                           QStringLiteral("before") + QChar(0) + QStringLiteral("after"),
+                                           QString(QChar(0)) + QStringLiteral("starts with NUL"), longComment()));
+
+TEST_F(ScratchDir, TwoValuedMatteIsStoredAsG4AndReadsAsZeroAnd255)
+{
+    // 13 pixels a row leaves three unused bits in each row's last byte;
+    // 4001 x 700 spreads the picture over several strips.
+    for (const auto &[w, h] : {std::pair{13, 9}, std::pair{4001, 700}}) {
+        auto leaf = bilevelLeaf(w, h);
+        const QString path = file(QStringLiteral("bw%1.tif").arg(w));
+        ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(leaf), path, QStringLiteral("SCAN"), QStringLiteral("bw")));
+        const TiffTags t = tagsOf(path);
+        EXPECT_EQ(t.compression, COMPRESSION_CCITTFAX4);
+        EXPECT_EQ(t.bps, 1);
+        const ReadBack r = readFile(path);
+        ASSERT_TRUE(r.ok);
+        EXPECT_TRUE(samePixels(*leaf, r.rep));
+        EXPECT_EQ(r.info.compression, "CCITT G4");
+        EXPECT_EQ(r.comment, "bw");
+    }
+    // Blank paper is two-valued too, and tiny in G4.
+    auto blank = UT_makeShared<CEL_PixmapMatte8>(2000, 3000);
+    std::memset(blank->data(), 255, blank->pixelCount());
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(blank), file("blank.tif"), QStringLiteral("SCAN")));
+    EXPECT_EQ(tagsOf(file("blank.tif")).compression, COMPRESSION_CCITTFAX4);
+    EXPECT_LT(QFileInfo(file("blank.tif")).size(), 4096);
+    EXPECT_TRUE(samePixels(*blank, readFile(file("blank.tif")).rep));
+}
+
+TEST_F(ScratchDir, OneGreyLevelKeepsTheWholeMatteAtEightBits)
+{
+    auto leaf = bilevelLeaf(64, 32);
+    leaf->at(63, 31) = 128;
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(leaf), file("grey.tif"), QStringLiteral("SCAN")));
+    const TiffTags t = tagsOf(file("grey.tif"));
+    EXPECT_EQ(t.compression, COMPRESSION_ADOBE_DEFLATE);
+    EXPECT_EQ(t.bps, 8);
+    EXPECT_TRUE(samePixels(*leaf, readFile(file("grey.tif")).rep));
+}
+
+TEST_F(ScratchDir, FormatNamesDecideG4AndAlpha)
+{
+    // The general TIFF never goes to 1 bit.
+    auto bw = bilevelLeaf(40, 40);
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(bw), file("general.tif"), QStringLiteral("TIFF")));
+    EXPECT_EQ(tagsOf(file("general.tif")).bps, 8);
+    EXPECT_TRUE(samePixels(*bw, readFile(file("general.tif")).rep));
+
+    // SCAN24 stores colour without alpha; it reads back with alpha 0, as scanned.
+    auto c8 = noiseLeaf<CEL_PixmapRGBA8>(50, 20);
+    auto c16 = noiseLeaf<CEL_PixmapRGBA16>(20, 50);
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(c8), file("c8.tif"), QStringLiteral("SCAN24")));
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(c16), file("c16.tif"), QStringLiteral("SCAN24")));
+    EXPECT_EQ(tagsOf(file("c8.tif")).spp, 3);
+    EXPECT_EQ(tagsOf(file("c16.tif")).spp, 3);
+    for (auto *p = c8->data(); p != c8->data() + c8->pixelCount(); ++p)
+        p->a = 0;
+    for (auto *p = c16->data(); p != c16->data() + c16->pixelCount(); ++p)
+        p->a = 0;
+    EXPECT_TRUE(samePixels(*c8, readFile(file("c8.tif")).rep));
+    EXPECT_TRUE(samePixels(*c16, readFile(file("c16.tif")).rep));
+    EXPECT_FALSE(readFile(file("c8.tif")).info.hasAlpha);
+
+    // SCAN32 keeps it.
+    auto alpha = noiseLeaf<CEL_PixmapRGBA8>(9, 9);
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(alpha), file("c32.tif"), QStringLiteral("SCAN32")));
+    EXPECT_EQ(tagsOf(file("c32.tif")).spp, 4);
+    EXPECT_TRUE(samePixels(*alpha, readFile(file("c32.tif")).rep));
+}
+
+TEST_F(ScratchDir, DateComesFromTheFileNotItsModificationTime)
+{
+    const QDateTime before = QDateTime::currentDateTime().addSecs(-2);
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(bilevelLeaf(8, 8)), file("d.tif"), QStringLiteral("SCAN")));
+    {
+        QFile f(file("d.tif"));
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(f.setFileTime(QDateTime(QDate(2001, 2, 3), QTime(4, 5, 6)), QFileDevice::FileModificationTime));
+    }
+    const TiffTags t = tagsOf(file("d.tif"));
+    EXPECT_EQ(t.dateTime.size(), 19);
+    EXPECT_FALSE(t.software.isEmpty());
+    const ReadBack r = readFile(file("d.tif"));
+    ASSERT_TRUE(r.ok);
+    EXPECT_GE(r.date, before);
+    EXPECT_LE(r.date, QDateTime::currentDateTime().addSecs(2));
+}
+
+TEST_F(ScratchDir, WriteReplacesAFileAtTheExactPath)
+{
+    const QString path = file("no-extension-given");
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(noiseLeaf<CEL_PixmapRGBA8>(300, 300)), path, QStringLiteral("SCAN")));
+    auto small = noiseLeaf<CEL_PixmapMatte16>(3, 2);
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(small), path, QStringLiteral("SCAN")));
+    EXPECT_TRUE(samePixels(*small, readFile(path).rep));
+    EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files).size(), 1);
+}
+
+TEST_F(ScratchDir, WriteRefusesWhatItCannotStore)
+{
+    auto &io = CELIO_Manager::getInstance();
+    auto leaf = CEL_RepresentationPtr(noiseLeaf<CEL_PixmapMatte8>(4, 4));
+
+    EXPECT_FALSE(writeLeaf(leaf, file("x.tif"), QStringLiteral("NOSUCH")));
+    EXPECT_TRUE(io.lastError().contains("NOSUCH"));
+    EXPECT_FALSE(writeLeaf(leaf, file("x.tif"), QString()));
+
+    EXPECT_FALSE(io.write(nullptr, file("x.tif"), "tif", "SCAN", {}));
+    EXPECT_FALSE(io.write(CEL_Cel::create(0).get(), file("x.tif"), "tif", "SCAN", {}));
+    EXPECT_FALSE(writeLeaf(CEL_RepresentationPtr(UT_makeShared<CEL_PixmapRGBA8>(0, 5)), file("x.tif"), "SCAN"));
+    EXPECT_FALSE(QFile::exists(file("x.tif")));
+
+    const QString missing = file("no/such/folder/x.tif");
+    EXPECT_FALSE(writeLeaf(leaf, missing, QStringLiteral("SCAN")));
+    EXPECT_TRUE(io.lastError().contains(missing));
+
+    // A successful write clears the previous error.
+    EXPECT_TRUE(writeLeaf(leaf, file("ok.tif"), QStringLiteral("SCAN")));
+    EXPECT_TRUE(io.lastError().isEmpty());
+}
+
+TEST_F(ScratchDir, AWriteThatRunsOutOfSpaceLeavesNoFile)
+{
+    // A file size limit stands in for a full disk.
+    rlimit old{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+    auto oldHandler = signal(SIGXFSZ, SIG_IGN);
+    rlimit tight = old;
+    tight.rlim_cur = 64 * 1024;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tight), 0);
+    const bool ok = writeLeaf(CEL_RepresentationPtr(noiseLeaf<CEL_PixmapRGBA8>(500, 500)), file("full.tif"),
+                              QStringLiteral("SCAN"));
+    setrlimit(RLIMIT_FSIZE, &old);
+    signal(SIGXFSZ, oldHandler);
+
+    EXPECT_FALSE(ok);
+    EXPECT_FALSE(QFile::exists(file("full.tif")));
+    EXPECT_FALSE(CELIO_Manager::getInstance().lastError().isEmpty());
+}
+
+TEST_F(ScratchDir, LastErrorBelongsToItsThread)
+{
+    EXPECT_FALSE(readFile(file("missing.tif")).ok);
+    QString other = QStringLiteral("unset");
+    std::thread([&] { other = CELIO_Manager::getInstance().lastError(); }).join();
+    EXPECT_TRUE(other.isEmpty());
+    EXPECT_FALSE(CELIO_Manager::getInstance().lastError().isEmpty());
+}

@@ -1,0 +1,502 @@
+// Rotation: the quarter turns and the limits, the traces and assertions, and
+// the fast shear kernels against a plain reference that follows each line of
+// each pass pixel by pixel on full canvases.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "scan/pixmap_pixmap.h"
+#include "scan/pixmap_rotate.h"
+#include "scan/rotate_geometry.h"
+#include "suite/base/tumessage.h"
+#include "support/message_capture.h"
+
+namespace {
+
+// A picture as plain channel values, whatever its kind.
+struct Picture {
+    int32_t kind = PIXMAP_MATTE8;
+    int32_t w = 0, h = 0;
+    std::vector<int32_t> v;  // w * h * channels
+    int channels() const { return kind == PIXMAP_RGBA8 || kind == PIXMAP_RGBA16 ? 4 : 1; }
+    int32_t *at(int32_t x, int32_t y) { return v.data() + (size_t(y) * w + x) * channels(); }
+    const int32_t *at(int32_t x, int32_t y) const { return v.data() + (size_t(y) * w + x) * channels(); }
+    bool operator==(const Picture &) const = default;
+};
+
+Picture blank(int32_t kind, int32_t w, int32_t h, const std::vector<int32_t> &fill)
+{
+    Picture p{kind, w, h, {}};
+    p.v.resize(size_t(w) * h * p.channels());
+    for (size_t i = 0; i < p.v.size(); ++i)
+        p.v[i] = fill[i % fill.size()];
+    return p;
+}
+
+template <class P>
+std::unique_ptr<P[]> pixels_of(const Picture &p)
+{
+    auto block = std::make_unique<P[]>(size_t(p.w) * p.h);
+    auto *channel = reinterpret_cast<std::conditional_t<sizeof(P) == 2 || sizeof(P) == 8, uint16_t, uint8_t> *>(block.get());
+    for (size_t i = 0; i < p.v.size(); ++i)
+        channel[i] = decltype(+channel[0])(p.v[i]);
+    return block;
+}
+
+LMV_pixmap *pixmap_of(const Picture &p)
+{
+    LMV_pixmap *pm = create_pixmap(PIXMAP_NONE, 0, 0);
+    switch (p.kind) {
+    case PIXMAP_RGBA16: set_rgba16_of_pixmap(pm, pixels_of<CEL_RGBA16Pixel>(p), p.w, p.h, 1); break;
+    case PIXMAP_RGBA8: set_rgba8_of_pixmap(pm, pixels_of<CEL_RGBA8Pixel>(p), p.w, p.h, 1); break;
+    case PIXMAP_MATTE16: set_matte16_of_pixmap(pm, pixels_of<uint16_t>(p), p.w, p.h, 1); break;
+    default: set_matte8_of_pixmap(pm, pixels_of<uint8_t>(p), p.w, p.h, 1); break;
+    }
+    return pm;
+}
+
+template <class T>
+void read_channels(Picture &p, const T *data)
+{
+    p.v.assign(data, data + p.v.size());
+}
+
+Picture picture_of(const LMV_pixmap *pm)
+{
+    const int32_t kind = type_of_pixmap(pm);
+    const CEL_PixmapPtr leaf = best_of_pixmap(pm);
+    Picture p = blank(kind, leaf->width(), leaf->height(), {0});
+    EXPECT_EQ(pm->width, p.w);
+    EXPECT_EQ(pm->height, p.h);
+    if (kind == PIXMAP_RGBA8 || kind == PIXMAP_MATTE8)
+        read_channels(p, static_cast<const uint8_t *>(leaf->rawData()));
+    else
+        read_channels(p, static_cast<const uint16_t *>(leaf->rawData()));
+    return p;
+}
+
+Picture random_picture(int32_t kind, int32_t w, int32_t h, std::mt19937 &rng)
+{
+    const int32_t top = kind == PIXMAP_RGBA16 || kind == PIXMAP_MATTE16 ? 65535 : 255;
+    Picture p = blank(kind, w, h, {0});
+    std::uniform_int_distribution<int32_t> any(0, top);
+    for (int32_t &x : p.v)
+        x = any(rng);
+    return p;
+}
+
+// ---- The reference: each pass along its lines, on canvases of w2 x h2. ----
+
+struct Reference {
+    bool fixed;   // the 24-bit arithmetic of RGBA8
+    bool tail;    // colour kinds blend the background after a line's end
+    std::vector<int32_t> bg;
+    int C;
+
+    int32_t mix(int32_t a, int32_t b, float wa, float wb) const
+    {
+        if (fixed) {
+            const uint32_t fa = uint32_t(int32_t(double(wa) * 16777216.0)), fb = 0x1000000u - fa;
+            return int32_t((uint32_t(a) * fa + uint32_t(b) * fb) >> 24);
+        }
+        return int32_t(float(a) * wa + float(b) * wb);
+    }
+
+    // One line: `count` values from src(n) written from dst(start).
+    template <class Src, class Dst>
+    void line(Src src, int32_t count, Dst dst, int32_t start, int32_t len, float v) const
+    {
+        const ShearStep st = shear_step(v);
+        std::vector<int32_t> prev = bg;
+        std::vector<int32_t> value(static_cast<size_t>(C));
+        for (int32_t n = 0; n < count; ++n) {
+            const int32_t *s = src(n);
+            for (int c = 0; c < C; ++c)
+                value[size_t(c)] = mix(s[c], prev[size_t(c)], st.wa, st.wb);
+            if (start + n >= 0 && start + n < len)
+                std::copy(value.begin(), value.end(), dst(start + n));
+            prev.assign(s, s + C);
+        }
+        if (tail && count >= 1 && start + count >= 0 && start + count < len)
+            for (int c = 0; c < C; ++c)
+                dst(start + count)[c] = mix(bg[size_t(c)], prev[size_t(c)], st.wa, st.wb);
+    }
+
+    Picture shear(const Picture &src, const ShearGeometry &g) const
+    {
+        Picture one = blank(src.kind, g.w2, g.h2, bg), two = one, three = one;
+        for (int32_t j = 0; j < g.h; ++j)
+            line([&](int32_t n) { return src.at(n, j); }, g.w, [&](int32_t x) { return one.at(x, j); },
+                 int32_t(std::floor(float(j) * g.t)), g.w2, float(j) * g.t);
+        for (int32_t k = 0; k < g.w2; ++k) {
+            const float v = float(g.w - 1 - k) * g.s;
+            const int32_t off = int32_t(std::floor(v));
+            const int32_t from = off < 0 ? -off : 0, count = off < 0 ? g.h - 1 + off : g.h2 - off;
+            line([&](int32_t n) { return one.at(k, from + n); }, count, [&](int32_t y) { return two.at(k, y); },
+                 off < 0 ? 0 : off, g.h2, v);
+        }
+        for (int32_t r = 0; r < g.h2; ++r) {
+            const float v = (float(r) - float(g.w - 1) * g.s) * g.t;
+            const int32_t off = int32_t(std::floor(v));
+            const int32_t from = off < 0 ? -off : 0, count = off < 0 ? g.w2 - 1 + off : g.w2 - off;
+            line([&](int32_t n) { return two.at(from + n, r); }, count, [&](int32_t x) { return three.at(x, r); },
+                 off < 0 ? 0 : off, g.w2, v);
+        }
+        Picture out = blank(src.kind, g.out_w, g.out_h, {0});
+        for (int32_t y = 0; y < g.out_h; ++y)
+            for (int32_t x = 0; x < g.out_w; ++x)
+                std::copy(three.at(x, y), three.at(x, y) + C, out.at(x, y));
+        return out;
+    }
+};
+
+// The quarter-turn copy, pixel by pixel from its table.
+Picture quarter_turned(const Picture &src, int turns)
+{
+    const int32_t w = src.w, h = src.h;
+    Picture out = blank(src.kind, turns % 2 ? h : w, turns % 2 ? w : h, {0});
+    for (int32_t j = 0; j < h; ++j)
+        for (int32_t i = 0; i < w; ++i) {
+            int32_t x = i, y = j;
+            if (turns == 1) x = j, y = w - 1 - i;
+            if (turns == 2) x = w - 1 - i, y = h - 1 - j;
+            if (turns == 3) x = h - 1 - j, y = i;
+            std::copy(src.at(i, j), src.at(i, j) + src.channels(), out.at(x, y));
+        }
+    return out;
+}
+
+Picture reference_rotation(const Picture &src, float angle, const uint8_t *background)
+{
+    const int C = src.channels();
+    std::vector<int32_t> bg(size_t(C), 0);
+    if (background && C == 4)
+        for (int c = 0; c < 4; ++c)
+            bg[size_t(c)] = src.kind == PIXMAP_RGBA16 ? background[c] << 7 : background[c];
+    const Reference ref{src.kind == PIXMAP_RGBA8, C == 4, bg, C};
+    const QuarterTurn turn = quarter_turn_of_angle(angle);
+    const Picture copy = quarter_turned(src, turn.turns);
+    const ShearGeometry g = shear_geometry(copy.w, copy.h, turn.reduced);
+    return g.a == 0.0f ? copy : ref.shear(copy, g);
+}
+
+Picture rotated(const Picture &src, float angle, const uint8_t *background = nullptr, float *cx = nullptr,
+                float *cy = nullptr)
+{
+    LMV_pixmap *pm = pixmap_of(src);
+    float x = cx ? *cx : 0.0f, y = cy ? *cy : 0.0f;
+    rotate_LMV_pixmap(pm, angle, &x, &y, 0, src.w - 1, 0, src.h - 1, background);
+    Picture out = picture_of(pm);
+    release_pixmap(pm);
+    if (cx) *cx = x;
+    if (cy) *cy = y;
+    return out;
+}
+
+std::string describe(const Picture &p, float angle, bool bg)
+{
+    return "kind " + std::to_string(p.kind) + " " + std::to_string(p.w) + "x" + std::to_string(p.h) + " angle " +
+           std::to_string(angle) + (bg ? " with background" : "");
+}
+
+const int32_t kKinds[] = {PIXMAP_RGBA16, PIXMAP_RGBA8, PIXMAP_MATTE16, PIXMAP_MATTE8};
+const uint8_t kBackground[4] = {10, 200, 33, 255};
+
+// ---- Tests ----
+
+TEST(RotateShears, FastKernelsMatchTheReferenceExactly)
+{
+    std::mt19937 rng(7);
+    const std::pair<int32_t, int32_t> sizes[] = {{23, 17}, {40, 9}, {1, 12}, {12, 1}, {2, 2}, {37, 52}};
+    const float angles[] = {0.7f, 3.3f, 17.0f, 44.9f, 45.0f, 63.5f, 89.9f, 95.3f, 200.25f, 300.2f, 359.1f};
+    for (int32_t kind : kKinds)
+        for (auto [w, h] : sizes) {
+            const Picture src = random_picture(kind, w, h, rng);
+            for (float angle : angles)
+                for (const uint8_t *bg : {static_cast<const uint8_t *>(nullptr), kBackground}) {
+                    SCOPED_TRACE(describe(src, angle, bg));
+                    const Picture expect = reference_rotation(src, angle, bg);
+                    const Picture got = rotated(src, angle, bg);
+                    ASSERT_EQ(got.w, expect.w);
+                    ASSERT_EQ(got.h, expect.h);
+                    ASSERT_TRUE(got == expect);
+                }
+        }
+}
+
+// Flat pictures with a few marks make the empty corners large, where the
+// colour kernels skip what the pass before did not write.
+TEST(RotateShears, SparsePicturesMatchTheReference)
+{
+    std::mt19937 rng(11);
+    for (int32_t kind : kKinds) {
+        Picture src = blank(kind, 61, 45, {kBackground[0], kBackground[1], kBackground[2], kBackground[3]});
+        std::uniform_int_distribution<int32_t> x(0, 60), y(0, 44), level(0, 255);
+        for (int i = 0; i < 30; ++i)
+            *src.at(x(rng), y(rng)) = level(rng);
+        for (float angle : {1.0f, 12.5f, 33.0f, 81.0f})
+            for (const uint8_t *bg : {static_cast<const uint8_t *>(nullptr), kBackground}) {
+                SCOPED_TRACE(describe(src, angle, bg));
+                EXPECT_TRUE(rotated(src, angle, bg) == reference_rotation(src, angle, bg));
+            }
+    }
+}
+
+TEST(RotateShears, WholeShiftsCopyAndFractionsBlendTwoTaps)
+{
+    const ShearStep whole = shear_step(3.0f);
+    EXPECT_EQ(whole.off, 3);
+    EXPECT_EQ(whole.wa, 1.0f);
+    EXPECT_EQ(whole.wb, 0.0f);
+    const ShearStep quarter = shear_step(2.25f);
+    EXPECT_EQ(quarter.off, 2);
+    EXPECT_EQ(quarter.wa, 0.75f);
+    EXPECT_EQ(quarter.wb, 0.25f);
+    const ShearStep up = shear_step(-0.25f);
+    EXPECT_EQ(up.off, -1);
+    EXPECT_EQ(up.wa, 0.25f);
+    EXPECT_EQ(up.wb, 0.75f);
+    EXPECT_EQ(shear_step(-2.0f).off, -2);
+    EXPECT_EQ(shear_step(-2.0f).wa, 1.0f);
+}
+
+TEST(RotateShears, HalfADegreeOnWhiteLeavesBlackCornersAndDarkLineStarts)
+{
+    const Picture white = blank(PIXMAP_MATTE8, 120, 80, {255});
+    const Picture out = rotated(white, 0.5f);
+    ASSERT_GT(out.w, 100);
+    ASSERT_GT(out.h, 70);
+    EXPECT_EQ(*out.at(0, 0), 0);
+    EXPECT_GE(*out.at(out.w / 2, out.h / 2), 254);
+    // Every line starts from a previous value of 0, so its first pixel is a
+    // blend with black, never a clean white.
+    int darkStarts = 0;
+    for (int32_t y = 0; y < out.h; ++y)
+        for (int32_t x = 0; x < out.w; ++x)
+            if (*out.at(x, y) != 0) {
+                darkStarts += *out.at(x, y) < 255;
+                break;
+            }
+    EXPECT_GT(darkStarts, out.h / 2);
+}
+
+TEST(RotateShears, ColourCornersTakeTheBackground)
+{
+    for (int32_t kind : {PIXMAP_RGBA8, PIXMAP_RGBA16}) {
+        const Picture src = blank(kind, 30, 20, {90});
+        const Picture plain = rotated(src, 10.0f);
+        const Picture coloured = rotated(src, 10.0f, kBackground);
+        const int shift = kind == PIXMAP_RGBA16 ? 7 : 0;
+        for (int c = 0; c < 4; ++c) {
+            EXPECT_EQ(plain.at(0, 0)[c], 0);
+            EXPECT_EQ(coloured.at(0, 0)[c], kBackground[c] << shift) << "channel " << c;
+            EXPECT_EQ(coloured.at(coloured.w - 1, coloured.h - 1)[c], kBackground[c] << shift);
+        }
+    }
+}
+
+// The result's size comes from the rounded-off extent of the turned picture,
+// and a single column of picture is narrower than half a pixel.
+TEST(RotateShears, OneColumnAndOneRowShrinkToNothingAcross)
+{
+    const Picture column = rotated(blank(PIXMAP_MATTE8, 1, 10, {200}), 0.5f);
+    EXPECT_EQ(column.w, 0);
+    EXPECT_EQ(column.h, 9);
+    const Picture row = rotated(blank(PIXMAP_MATTE8, 10, 1, {200}), 0.5f);
+    EXPECT_EQ(row.h, 0);
+    EXPECT_EQ(row.w, 9);
+}
+
+// The centre is carried along: a mark at the centre ends up there.
+TEST(RotateShears, TheCentreFollowsThePicture)
+{
+    for (float angle : {2.0f, 30.0f, 75.0f, 130.0f, 250.0f, 333.0f}) {
+        Picture src = blank(PIXMAP_MATTE8, 64, 48, {0});
+        for (int dy = -1; dy <= 1; ++dy)
+            for (int dx = -1; dx <= 1; ++dx)
+                *src.at(40 + dx, 20 + dy) = 255;
+        float cx = 40.0f, cy = 20.0f;
+        const Picture out = rotated(src, angle, nullptr, &cx, &cy);
+        double sum = 0, sx = 0, sy = 0;
+        for (int32_t y = 0; y < out.h; ++y)
+            for (int32_t x = 0; x < out.w; ++x) {
+                sum += *out.at(x, y);
+                sx += double(x) * *out.at(x, y);
+                sy += double(y) * *out.at(x, y);
+            }
+        ASSERT_GT(sum, 0) << angle;
+        EXPECT_NEAR(sx / sum, cx, 1.5) << angle;
+        EXPECT_NEAR(sy / sum, cy, 1.5) << angle;
+    }
+}
+
+TEST(RotateQuarterTurns, ExactCopiesWithTheCentreOfTheTable)
+{
+    Picture src = blank(PIXMAP_MATTE8, 3, 2, {0});
+    for (int32_t i = 0; i < 6; ++i)
+        src.v[size_t(i)] = 10 + i;  // 10 11 12 / 13 14 15
+    struct Case {
+        float angle;
+        std::vector<int32_t> pixels;
+        int32_t w;
+        float cx, cy;
+    };
+    // The centre starts at (2, 1); w = 3, h = 2.
+    const Case cases[] = {
+        {90.0f, {12, 15, 11, 14, 10, 13}, 2, 1.0f, 0.0f},
+        {180.0f, {15, 14, 13, 12, 11, 10}, 3, 0.0f, 0.0f},
+        {270.0f, {13, 10, 14, 11, 15, 12}, 2, 1.0f, 1.0f},
+    };
+    for (int32_t kind : kKinds) {
+        Picture typed = blank(kind, 3, 2, {0});
+        for (int32_t i = 0; i < 6; ++i)
+            for (int c = 0; c < typed.channels(); ++c)
+                typed.at(i % 3, i / 3)[c] = src.v[size_t(i)] + c;
+        for (const Case &k : cases) {
+            SCOPED_TRACE(describe(typed, k.angle, false));
+            float cx = 2.0f, cy = 1.0f;
+            const Picture out = rotated(typed, k.angle, kBackground, &cx, &cy);
+            ASSERT_EQ(out.w, k.w);
+            ASSERT_EQ(out.h, 6 / k.w);
+            for (int32_t i = 0; i < 6; ++i)
+                EXPECT_EQ(out.at(i % k.w, i / k.w)[typed.channels() - 1], k.pixels[size_t(i)] + typed.channels() - 1);
+            EXPECT_EQ(cx, k.cx);
+            EXPECT_EQ(cy, k.cy);
+        }
+    }
+}
+
+TEST(RotateQuarterTurns, AnglesReduceInDoubleAndNarrowOnce)
+{
+    EXPECT_EQ(quarter_turn_of_angle(89.99f).turns, 0);
+    EXPECT_EQ(quarter_turn_of_angle(90.0f).turns, 1);
+    EXPECT_EQ(quarter_turn_of_angle(269.99f).turns, 2);
+    EXPECT_EQ(quarter_turn_of_angle(359.5f).turns, 3);
+    EXPECT_EQ(quarter_turn_of_angle(100.3f).reduced, float(double(100.3f) - 90.0));
+    EXPECT_EQ(quarter_turn_of_angle(300.7f).reduced, float(double(300.7f) - 270.0));
+}
+
+class RotateCalls : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        wasDebug = TUMessage::instance()->isDebugMode();
+        TUMessage::instance()->setDebugMode(true);
+    }
+    void TearDown() override { TUMessage::instance()->setDebugMode(wasDebug); }
+    bool assertionLogged() const
+    {
+        for (const std::string &line : capture.texts('I'))
+            if (line.find("Internal assertion error detected") != std::string::npos)
+                return true;
+        return false;
+    }
+    bool wasDebug = false;
+    MessageCapture capture;
+};
+
+TEST_F(RotateCalls, ZeroIsANoOpThatTracesTheBail)
+{
+    LMV_pixmap *pm = pixmap_of(blank(PIXMAP_MATTE8, 5, 4, {7}));
+    const uint8_t *data = matte8_data_of_pixmap(pm);
+    float cx = 3.5f, cy = -2.0f;
+    // Bounds far outside would be cut down by any other angle.
+    rotate_LMV_pixmap(pm, 0.0f, &cx, &cy, -10, 50, -10, 50, nullptr);
+    EXPECT_EQ(matte8_data_of_pixmap(pm), data);
+    EXPECT_EQ(pm->width, 5);
+    EXPECT_EQ(cx, 3.5f);
+    EXPECT_EQ(cy, -2.0f);
+    EXPECT_TRUE(capture.contains("In rotate_LMV_pixmap."));
+    EXPECT_TRUE(capture.contains("Out rotate_LMV_pixmap (bail - rotate is no-op)."));
+    EXPECT_FALSE(capture.contains("Out rotate_LMV_pixmap."));
+    release_pixmap(pm);
+}
+
+TEST_F(RotateCalls, FullTurnAndNullPointersAssertAndChangeNothing)
+{
+    for (int32_t kind : kKinds) {
+        LMV_pixmap *pm = pixmap_of(blank(kind, 5, 4, {7}));
+        const CEL_PixmapPtr before = best_of_pixmap(pm);
+        float cx = 1.0f, cy = 1.0f;
+        capture.clear();
+        rotate_LMV_pixmap(pm, 360.0f, &cx, &cy, 0, 4, 0, 3, nullptr);
+        EXPECT_TRUE(assertionLogged());
+        EXPECT_TRUE(best_of_pixmap(pm) == before);
+        EXPECT_EQ(cx, 1.0f);
+        EXPECT_TRUE(capture.contains("Out rotate_LMV_pixmap."));
+
+        capture.clear();
+        rotate_LMV_pixmap(pm, 10.0f, nullptr, &cy, 0, 4, 0, 3, nullptr);
+        EXPECT_TRUE(assertionLogged());
+        capture.clear();
+        rotate_LMV_pixmap(pm, 10.0f, &cx, nullptr, 0, 4, 0, 3, nullptr);
+        EXPECT_TRUE(assertionLogged());
+        EXPECT_TRUE(best_of_pixmap(pm) == before);
+        release_pixmap(pm);
+    }
+    capture.clear();
+    rotate_LMV_pixmap(nullptr, 10.0f, nullptr, nullptr, 0, 0, 0, 0, nullptr);
+    EXPECT_TRUE(assertionLogged());
+}
+
+TEST_F(RotateCalls, AnEmptyPixmapIsLeftAlone)
+{
+    LMV_pixmap *pm = create_pixmap(PIXMAP_NONE, 0, 0);
+    float cx = 0.0f, cy = 0.0f;
+    rotate_LMV_pixmap(pm, 10.0f, &cx, &cy, 0, 0, 0, 0, nullptr);
+    EXPECT_EQ(type_of_pixmap(pm), PIXMAP_NONE);
+    EXPECT_FALSE(assertionLogged());
+    release_pixmap(pm);
+}
+
+// Bounds are cut to the picture; a right edge past the picture moves the left
+// edge to the last column and the part reads on along the rows.
+TEST(RotateLimits, BoundsAreCutToThePicture)
+{
+    Picture src = blank(PIXMAP_MATTE8, 4, 3, {0});
+    for (size_t i = 0; i < src.v.size(); ++i)
+        src.v[i] = int32_t(i);  // row y holds 4y .. 4y+3
+
+    const auto turn = [&](int32_t x0, int32_t x1, int32_t y0, int32_t y1, float *cx, float *cy) {
+        LMV_pixmap *pm = pixmap_of(src);
+        rotate_LMV_pixmap(pm, 180.0f, cx, cy, x0, x1, y0, y1, nullptr);
+        Picture out = picture_of(pm);
+        release_pixmap(pm);
+        return out;
+    };
+    float cx = 1.0f, cy = 1.0f;
+    // y is clamped on both sides, x0 below 0 too: the whole picture.
+    EXPECT_TRUE(turn(-3, 3, -5, 99, &cx, &cy) == quarter_turned(src, 2));
+    EXPECT_EQ(cx, 2.0f);
+    EXPECT_EQ(cy, 1.0f);
+
+    // x1 below 0 counts as 0: the first column, rows 1 and 2.
+    cx = 0.0f, cy = 2.0f;
+    const Picture first = turn(0, -4, 1, 2, &cx, &cy);
+    ASSERT_EQ(first.w, 1);
+    EXPECT_EQ(first.v, (std::vector<int32_t>{8, 4}));
+    EXPECT_EQ(cy, 0.0f);  // (h - 1) - (2 - y0)
+
+    // x1 = 5 on a picture 4 wide: x0 becomes 3, the part is 3 wide, and its
+    // row y is pixels 4y + 3 to 4y + 5 of the block, 0 past its end.
+    cx = 3.0f, cy = 0.0f;
+    const Picture past = turn(0, 5, 0, 2, &cx, &cy);
+    ASSERT_EQ(past.w, 3);
+    ASSERT_EQ(past.h, 3);
+    EXPECT_EQ(past.v, (std::vector<int32_t>{0, 0, 11, 9, 8, 7, 5, 4, 3}));
+    EXPECT_EQ(cx, 2.0f);
+}
+
+TEST(RotateAngle, RadiansTurnIntoTheAngleOfTheScanLoop)
+{
+    EXPECT_EQ(rotation_angle_from_radians(0.0), 360.0f);
+    EXPECT_FLOAT_EQ(rotation_angle_from_radians(-0.01), 0.5729578f);
+    EXPECT_FLOAT_EQ(rotation_angle_from_radians(0.01), 359.42704f);
+    EXPECT_EQ(rotation_angle_from_radians(-M_PI / 2), 90.0f);
+}
+
+} // namespace

@@ -2,6 +2,7 @@
 #include "suite/cel/cel_pixmap.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "suite/cel/cel_algo.h"
 
@@ -29,6 +30,19 @@ QImage copyRows(const Leaf &leaf, QImage::Format format)
     return imageOf<Leaf, Out>(leaf, format, [w](const auto *src, Out *dst) { std::copy_n(src, w, dst); });
 }
 
+// Colour leaves whose pixel layout is that of `format` with the alpha forced opaque.
+template <class Leaf>
+QImage opaqueColours(const Leaf &leaf, QImage::Format format)
+{
+    using P = typename Leaf::Pixel;
+    constexpr auto kOpaque = std::numeric_limits<decltype(P::a)>::max();
+    const int w = leaf.width();
+    return imageOf<Leaf, P>(leaf, format, [w](const P *src, P *dst) {
+        for (int x = 0; x < w; ++x)
+            dst[x] = {src[x].r, src[x].g, src[x].b, kOpaque};
+    });
+}
+
 // Rec. 601 weights in 256ths: 77 + 150 + 29 = 256, so white stays white.
 constexpr uint32_t kLumaR = 77, kLumaG = 150, kLumaB = 29;
 
@@ -52,25 +66,15 @@ void convertInto(CEL_PixmapMatte8 &dst, const Src &src, ToGrey toGrey)
 
 } // namespace
 
+// A scan's alpha is 0; the screen shows its colours opaque.
 QImage CEL_PixmapRGBA8::getImage() const
 {
-    // A scan's alpha is 0; the screen shows its colours opaque.
-    const int w = width();
-    return imageOf<CEL_PixmapRGBA8, CEL_RGBA8Pixel>(*this, QImage::Format_RGBX8888,
-                                                    [w](const CEL_RGBA8Pixel *src, CEL_RGBA8Pixel *dst) {
-                                                        for (int x = 0; x < w; ++x)
-                                                            dst[x] = {src[x].r, src[x].g, src[x].b, 0xff};
-                                                    });
+    return opaqueColours(*this, QImage::Format_RGBX8888);
 }
 
 QImage CEL_PixmapRGBA16::getImage() const
 {
-    const int w = width();
-    return imageOf<CEL_PixmapRGBA16, CEL_RGBA16Pixel>(*this, QImage::Format_RGBX64,
-                                                      [w](const CEL_RGBA16Pixel *src, CEL_RGBA16Pixel *dst) {
-                                                          for (int x = 0; x < w; ++x)
-                                                              dst[x] = {src[x].r, src[x].g, src[x].b, 0xffff};
-                                                      });
+    return opaqueColours(*this, QImage::Format_RGBX64);
 }
 
 QImage CEL_PixmapMatte16::getImage() const

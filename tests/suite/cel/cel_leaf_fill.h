@@ -1,5 +1,7 @@
 #pragma once
-// Deterministic pixel patterns for the leaf tests.
+// Deterministic pixel patterns and the leaf list for the leaf tests.
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <random>
 
@@ -23,3 +25,6 @@ Leaf patternLeaf(int w, int h, uint32_t seed = 7)
         fillPixel(leaf.data()[i], rng());
     return leaf;
 }
+
+// The four leaves, for typed tests.
+using CelLeafTypes = ::testing::Types<CEL_PixmapMatte8, CEL_PixmapMatte16, CEL_PixmapRGBA8, CEL_PixmapRGBA16>;

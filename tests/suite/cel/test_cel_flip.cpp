@@ -60,28 +60,14 @@ const std::pair<int, int> kSizes[] = {{1, 1}, {1, 4}, {5, 1}, {2, 2}, {3, 2}, {4
 
 } // namespace
 
-TEST(CelPreFlip, Matte8EveryCombination)
-{
-    for (auto [w, h] : kSizes)
-        expectEveryFlipMatches<CEL_PixmapMatte8>(w, h);
-}
+template <class Leaf>
+class CelPreFlipTyped : public ::testing::Test {};
+TYPED_TEST_SUITE(CelPreFlipTyped, CelLeafTypes);
 
-TEST(CelPreFlip, Matte16EveryCombination)
+TYPED_TEST(CelPreFlipTyped, EveryCombinationMatchesTheSteps)
 {
     for (auto [w, h] : kSizes)
-        expectEveryFlipMatches<CEL_PixmapMatte16>(w, h);
-}
-
-TEST(CelPreFlip, RGBA8EveryCombination)
-{
-    for (auto [w, h] : kSizes)
-        expectEveryFlipMatches<CEL_PixmapRGBA8>(w, h);
-}
-
-TEST(CelPreFlip, RGBA16EveryCombination)
-{
-    for (auto [w, h] : kSizes)
-        expectEveryFlipMatches<CEL_PixmapRGBA16>(w, h);
+        expectEveryFlipMatches<TypeParam>(w, h);
 }
 
 TEST(CelPreFlip, TransposingAnEmptyLeafSwapsItsSize)

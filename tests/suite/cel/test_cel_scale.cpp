@@ -84,10 +84,14 @@ void expectAllMovesNearReference()
 
 } // namespace
 
-TEST(CelScale, Matte8FollowsTheReference) { expectAllMovesNearReference<CEL_PixmapMatte8>(); }
-TEST(CelScale, Matte16FollowsTheReference) { expectAllMovesNearReference<CEL_PixmapMatte16>(); }
-TEST(CelScale, RGBA8FollowsTheReference) { expectAllMovesNearReference<CEL_PixmapRGBA8>(); }
-TEST(CelScale, RGBA16FollowsTheReference) { expectAllMovesNearReference<CEL_PixmapRGBA16>(); }
+template <class Leaf>
+class CelScaleTyped : public ::testing::Test {};
+TYPED_TEST_SUITE(CelScaleTyped, CelLeafTypes);
+
+TYPED_TEST(CelScaleTyped, FollowsTheReference)
+{
+    expectAllMovesNearReference<TypeParam>();
+}
 
 TEST(CelScale, WholeShiftsCopyExactlyAndClearTheRest)
 {

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <climits>
 #include <cstring>
@@ -84,21 +85,34 @@ void raster_of(const Geometry &g, int64_t x, int64_t y, int64_t *i, int64_t *j)
     }
 }
 
-// Pixel readers: the k-th pixel of a run of raster bytes, as stored.
+// Pixel readers: the k-th pixel of a run of raster bytes, as stored. `wide`
+// may read one byte past the pixel, which every pixel of a run but its last
+// has; `exact` reads only the pixel's own bytes.
+static_assert(std::endian::native == std::endian::little, "RGBA8 pixels are built as little-endian words");
+
 struct RgbReader {
-    uint8_t mask;
+    uint32_t mask; // 0x00FFFFFF complements the colour bytes and keeps alpha 0
     static constexpr size_t kBytes = 3;
-    CEL_RGBA8Pixel operator()(const uint8_t *run, size_t k) const
+    uint32_t wide(const uint8_t *run, size_t k) const
+    {
+        uint32_t v;
+        std::memcpy(&v, run + 3 * k, 4);
+        return (v & 0x00FFFFFFu) ^ mask;
+    }
+    uint32_t exact(const uint8_t *run, size_t k) const
     {
         const uint8_t *p = run + 3 * k;
-        return {uint8_t(p[0] ^ mask), uint8_t(p[1] ^ mask), uint8_t(p[2] ^ mask), 0};
+        return (uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16) ^ mask;
     }
+    static void put(CEL_RGBA8Pixel *dst, uint32_t v) { std::memcpy(dst, &v, 4); }
 };
 
 struct GreyReader {
     uint8_t mask;
     static constexpr size_t kBytes = 1;
-    uint8_t operator()(const uint8_t *run, size_t k) const { return run[k] ^ mask; }
+    uint8_t wide(const uint8_t *run, size_t k) const { return run[k] ^ mask; }
+    uint8_t exact(const uint8_t *run, size_t k) const { return run[k] ^ mask; }
+    static void put(uint8_t *dst, uint8_t v) { *dst = v; }
 };
 
 template <class Reader>
@@ -146,12 +160,16 @@ void store_run(Px *dst, int dir, const uint8_t *src, size_t count, Reader read)
             grey_forward(dst, src, count, read.mask);
         else
             grey_backward(dst, src, count, read.mask);
-    } else if (dir > 0) {
-        for (size_t k = 0; k < count; ++k)
-            dst[k] = read(src, k);
-    } else {
-        for (size_t k = 0; k < count; ++k)
-            *(dst - k) = read(src, k);
+    } else if (count > 0) {
+        const size_t last = count - 1;
+        if (dir > 0) {
+            for (size_t k = 0; k < last; ++k)
+                Reader::put(dst + k, read.wide(src, k));
+        } else {
+            for (size_t k = 0; k < last; ++k)
+                Reader::put(dst - k, read.wide(src, k));
+        }
+        Reader::put(dst + ptrdiff_t(last) * dir, read.exact(src, last));
     }
 }
 
@@ -197,10 +215,15 @@ void store_columns(Px *dst, ptrdiff_t step, const uint8_t *const *rows, size_t l
             for (; k + 16 <= count; k += 16)
                 transpose16x16(dst + ptrdiff_t(k) * step, step, rows, k, read.mask);
     }
+    for (; k + 1 < count; ++k) {
+        Px *d = dst + ptrdiff_t(k) * step;
+        for (size_t c = 0; c < lines; ++c)
+            Reader::put(d + c, read.wide(rows[c], k));
+    }
     for (; k < count; ++k) {
         Px *d = dst + ptrdiff_t(k) * step;
         for (size_t c = 0; c < lines; ++c)
-            d[c] = read(rows[c], k);
+            Reader::put(d + c, read.exact(rows[c], k));
     }
 }
 
@@ -336,7 +359,7 @@ void store_band(const Geometry &g, CEL_RGBA8Pixel *rgba, uint8_t *grey, const ui
     LMV_ASSERT_VOID(start <= total && pixels <= total - start);
     const uint8_t mask = invert ? 0xFF : 0x00;
     if (rgba) {
-        store_rgb(g, rgba, size_t(i), size_t(j), data, pixels, RgbReader{mask});
+        store_rgb(g, rgba, size_t(i), size_t(j), data, pixels, RgbReader{invert ? 0x00FFFFFFu : 0u});
     } else {
         LMV_ASSERT_VOID(i == 0);
         if (one_bit)

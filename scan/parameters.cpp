@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QRegularExpression>
 
+#include "scan/drawing.h"
 #include "suite/base/assertion.h"
 
 namespace {
@@ -153,4 +154,13 @@ QString rgbDrop_of_Standard_parameters(const Standard_parameters *p) {
     const QRegularExpressionMatch m = label.match(entry);
     if (m.hasMatch()) entry.remove(0, m.capturedLength());
     return entry;
+}
+
+void copy_parameters_to_Drawing(const Standard_parameters *p, Drawing *drawing) {
+    LMV_ASSERT_VOID(p != nullptr);
+    if (p->has_threshold) set_threshold_of_Drawing(drawing, p->threshold_current);
+    if (p->has_black_point) set_black_point_of_Drawing(drawing, p->black_point_current);
+    if (p->has_white_point) set_white_point_of_Drawing(drawing, p->white_point_current);
+    if (p->has_gamma) set_gamma_of_Drawing(drawing, p->gamma_current);
+    if (p->has_speed) set_speed_of_Drawing(drawing, p->speed_current);
 }

@@ -6,6 +6,8 @@
 
 #include <cstdint>
 
+struct Drawing;
+
 struct Standard_parameters {
     bool locked = false;  // never set; guards the initialisers
 
@@ -83,3 +85,6 @@ bool speed_is_custom_of_Standard_parameters(const Standard_parameters *p);
 // The selected drop colour without its label ("Red, 0, 100" gives "0, 100"); a null
 // text when there is none.
 QString rgbDrop_of_Standard_parameters(const Standard_parameters *p);
+
+// Hands the current values of the present groups to a drawing before a scan.
+void copy_parameters_to_Drawing(const Standard_parameters *p, Drawing *drawing);

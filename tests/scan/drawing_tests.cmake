@@ -1,1 +1,9 @@
 # Tests of the drawing record and scanctl info.
+scan_add_test(test_scan_drawing
+  SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/test_drawing.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/test_drawing_file.cpp
+  LIBS scan)
+scan_add_test(test_scanctl_info SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_scanctl_info.cpp LIBS scan)
+target_compile_definitions(test_scanctl_info PRIVATE SCANCTL_PATH="$<TARGET_FILE:scanctl>")
+add_dependencies(test_scanctl_info scanctl)

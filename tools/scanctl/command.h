@@ -17,3 +17,4 @@ struct ScanctlCommand {
 std::span<const ScanctlCommand> scanctl_commands();
 
 int run_scanners_command(const QStringList &args);
+int run_info_command(const QStringList &args);

@@ -7,9 +7,11 @@
 #include "tools/scanctl/command.h"
 
 std::span<const ScanctlCommand> scanctl_commands() {
-    static const std::array<ScanctlCommand, 1> commands = {{
+    static const std::array<ScanctlCommand, 2> commands = {{
         {"scanners", "[--host NAME] [--all-hosts] [FILE]",
          "read a Scan.conf as the station does and show what each scanner can do", run_scanners_command},
+        {"info", "FILE...", "read scan files as the station loads them and show size, pixels, format and scan information",
+         run_info_command},
     }};
     return commands;
 }

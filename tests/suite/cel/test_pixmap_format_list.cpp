@@ -29,7 +29,8 @@ TEST(PixmapFormatList, TheWriterHonoursEveryListedName)
     QTemporaryDir dir;
     auto cel = CEL_Cel::create(0);
     cel->setRepresentation(CEL_RepresentationPtr(UT_makeShared<CEL_PixmapRGBA8>(3, 3)));
-    for (const TUPixmapFormat &f : TUPixmapFormatList(7).formats()) {
+    const TUPixmapFormatList list(7);
+    for (const TUPixmapFormat &f : list.formats()) {
         const QString path = dir.filePath(QStringLiteral("f%1.%2").arg(f.number).arg(f.extension));
         EXPECT_TRUE(CELIO_Manager::getInstance().write(cel.get(), path, f.extension, f.name, {})) << f.name;
     }

@@ -17,3 +17,7 @@ extern template void shear_pixels(const ShearGeometry &, const CEL_RGBA16Pixel *
                                   CEL_RGBA16Pixel *);
 extern template void shear_pixels(const ShearGeometry &, const CEL_RGBA8Pixel *, size_t, const CEL_RGBA8Pixel &,
                                   CEL_RGBA8Pixel *);
+
+// Whether the shears may use the processor's AVX2 instructions where it has
+// them (the default). Both ways give the same pixels; tests check each.
+void set_shear_wide_vectors(bool allowed);

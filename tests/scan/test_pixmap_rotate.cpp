@@ -12,6 +12,7 @@
 #include "scan/pixmap_pixmap.h"
 #include "scan/pixmap_rotate.h"
 #include "scan/rotate_geometry.h"
+#include "scan/rotate_shear.h"
 #include "suite/base/tumessage.h"
 #include "support/message_capture.h"
 
@@ -208,7 +209,16 @@ const uint8_t kBackground[4] = {10, 200, 33, 255};
 
 // ---- Tests ----
 
-TEST(RotateShears, FastKernelsMatchTheReferenceExactly)
+// Both builds of the kernels: the AVX2 one, where the processor has it, and
+// the plain one.
+class RotateKernels : public ::testing::TestWithParam<bool> {
+protected:
+    void SetUp() override { set_shear_wide_vectors(GetParam()); }
+    void TearDown() override { set_shear_wide_vectors(true); }
+};
+INSTANTIATE_TEST_SUITE_P(Builds, RotateKernels, ::testing::Values(true, false));
+
+TEST_P(RotateKernels, FastKernelsMatchTheReferenceExactly)
 {
     std::mt19937 rng(7);
     const std::pair<int32_t, int32_t> sizes[] = {{23, 17}, {40, 9}, {1, 12}, {12, 1}, {2, 2}, {37, 52}};
@@ -230,7 +240,7 @@ TEST(RotateShears, FastKernelsMatchTheReferenceExactly)
 
 // Flat pictures with a few marks make the empty corners large, where the
 // colour kernels skip what the pass before did not write.
-TEST(RotateShears, SparsePicturesMatchTheReference)
+TEST_P(RotateKernels, SparsePicturesMatchTheReference)
 {
     std::mt19937 rng(11);
     for (int32_t kind : kKinds) {

@@ -1,6 +1,9 @@
 // Pixel leaves: shared ownership, copies, screen pictures and grey conversions.
 #include <gtest/gtest.h>
 
+#include <thread>
+#include <vector>
+
 #include "suite/cel/cel_algo.h"
 #include "suite/cel/cel_pixmap.h"
 #include "tests/suite/cel/cel_leaf_fill.h"
@@ -36,6 +39,24 @@ TEST(CelShare, CountFollowsCopiesAndDeletesAtZero)
         EXPECT_EQ(a->refCount(), 1);
         EXPECT_EQ(deaths, 0);
     }
+    EXPECT_EQ(deaths, 1);
+}
+
+TEST(CelShare, CopiesFromManyThreadsKeepTheCount)
+{
+    int deaths = 0;
+    auto shared = UT_makeShared<Tracked>(&deaths);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&shared] {
+            for (int i = 0; i < 50000; ++i) {
+                UT_SharePtr<Tracked> a = shared, b = a;
+            }
+        });
+    for (auto &t : threads)
+        t.join();
+    EXPECT_EQ(shared->refCount(), 1);
+    shared.reset();
     EXPECT_EQ(deaths, 1);
 }
 

@@ -1,6 +1,7 @@
-// Moving and scaling a leaf into a new one. Separable: each axis has a table
-// of source taps per destination position, rows are resampled across first
-// and then blended down.
+// Moving and scaling a leaf into a new one. At scale 1 a whole shift copies
+// rows and a fractional one blends four neighbours with fixed weights. Any
+// other scale is separable: each axis has a table of source taps per
+// destination position, rows are resampled across first and blended down.
 #include <algorithm>
 #include <array>
 #include <cmath>

@@ -332,12 +332,14 @@ void store_bits(const Geometry &g, uint8_t *dest, size_t j, size_t lines, const 
 }
 
 // Gives the leaf its block on the first band, and checks that a later band
-// finds the leaf of the size the turn needs. Returns its pixels or null.
+// finds the leaf of the size the turn needs. Returns its pixels or null. The
+// block starts black, so a scan that stops early leaves no stale memory in
+// the picture; fresh pages cost the same either way.
 template <class Leaf>
 typename Leaf::Pixel *pixels_for_band(Leaf &leaf, const Geometry &g, bool first)
 {
     if (first)
-        leaf.setData(Leaf::makeBlock(int(g.DW), int(g.DH), false), int(g.DW), int(g.DH));
+        leaf.setData(Leaf::makeBlock(int(g.DW), int(g.DH), true), int(g.DW), int(g.DH));
     LMV_ASSERT_RET(size_t(leaf.width()) == g.DW && size_t(leaf.height()) == g.DH, nullptr);
     return leaf.data();
 }

@@ -64,11 +64,3 @@ TEST(PixelShape, UnknownShapeIsKeptWithAnAssertion)
     EXPECT_EQ(assertionsIn(capture), 1);
     EXPECT_TRUE(capture.errors().empty());
 }
-
-TEST(PixelShape, SessionCopyIsSeparate)
-{
-    set_basic_pixel_shape(PIXEL_SHAPE_SQUARE);
-    set_session_pixel_shape(PIXEL_SHAPE_NARROW);
-    EXPECT_EQ(session_pixel_shape(), PIXEL_SHAPE_NARROW);
-    EXPECT_EQ(current_pixel_shape(), PIXEL_SHAPE_SQUARE);
-}

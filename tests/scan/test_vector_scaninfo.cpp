@@ -124,13 +124,11 @@ TEST(ScanInfo, Version2HasThresholdAndSpeedButNoPoints)
     InfoPtr info = fresh();
     EXPECT_EQ(LMV_scaninfo_from_str(info.get(), kVersion2), 0);
     EXPECT_EQ(info->version, 2);
-    EXPECT_EQ(info->scanner_name, "IS330");
     EXPECT_EQ(info->threshold, 128);
     EXPECT_EQ(info->gamma, 1.0f);
     EXPECT_EQ(info->speed, 3);
     EXPECT_EQ(info->peg_side, 1);
     EXPECT_EQ(info->pegged, 0);
-    EXPECT_EQ(info->pages, 2.0f);
     EXPECT_EQ(info->dpi, 400.0f);
     EXPECT_EQ(info->black_point, -1);
     EXPECT_EQ(info->white_point, 0);

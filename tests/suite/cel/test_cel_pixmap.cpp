@@ -70,18 +70,6 @@ TEST(CelShare, DynamicCastKeepsTheReferenceOrGivesNull)
     EXPECT_EQ(any->refCount(), 2);
 }
 
-TEST(CelLeaf, TypesAndPixelSizes)
-{
-    EXPECT_EQ(CEL_PixmapRGBA16().type(), 6);
-    EXPECT_EQ(CEL_PixmapRGBA8().type(), 7);
-    EXPECT_EQ(CEL_PixmapMatte8().type(), 8);
-    EXPECT_EQ(CEL_PixmapMatte16().type(), 9);
-    EXPECT_EQ(CEL_PixmapRGBA16(1, 1).bytesPerPixel(), 8);
-    EXPECT_EQ(CEL_PixmapRGBA8(1, 1).bytesPerPixel(), 4);
-    EXPECT_EQ(CEL_PixmapMatte8(1, 1).bytesPerPixel(), 1);
-    EXPECT_EQ(CEL_PixmapMatte16(1, 1).bytesPerPixel(), 2);
-}
-
 TEST(CelLeaf, CopySharesNoDataAndStartsItsOwnCount)
 {
     auto original = UT_makeShared<CEL_PixmapRGBA8>(patternLeaf<CEL_PixmapRGBA8>(3, 2));

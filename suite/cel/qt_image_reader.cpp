@@ -1,15 +1,20 @@
 // Pictures in the formats Qt reads (PNG, JPEG, BMP, ...), mapped onto the
 // closest leaf: grey stays grey, 16-bit stays 16-bit, black and white becomes
 // 0 and 255.
+#include <QFileInfo>
 #include <QImage>
 #include <QImageReader>
 
+#include <algorithm>
 #include <cstring>
 
 #include "suite/cel/celio_backends.h"
 
 namespace celio {
 namespace {
+
+// Decoded bytes a compressed picture may reach per byte of file.
+constexpr qint64 kMaxExpansion = 2048;
 
 bool isSixteenBitColour(QImage::Format f)
 {
@@ -96,6 +101,10 @@ bool readQtImage(const QString &path, ReadResult &out)
 {
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true);
+    // Qt's own guard (256 MB) would refuse a full sheet in colour; a bigger
+    // file may decode to more, a small one keeps the default.
+    const qint64 limitMiB = (QFileInfo(path).size() * kMaxExpansion) >> 20;
+    reader.setAllocationLimit(int(std::clamp<qint64>(limitMiB, reader.allocationLimit(), 4096)));
     reader.setAutoTransform(false);
     const QSize size = reader.size();
     if (size.isValid() && !sizeIsSane(size.width(), size.height(), 8)) {

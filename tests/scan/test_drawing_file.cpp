@@ -255,6 +255,7 @@ TEST_F(DrawingFile, ReadOnlyFolderKeepsThePreviousFile) {
     if (QFile(file(QStringLiteral("probe"))).open(QIODevice::WriteOnly)) {
         QFile::remove(file(QStringLiteral("probe")));
         QFile::setPermissions(dir_.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        destroy_Drawing(&d);
         GTEST_SKIP() << "permission bits don't stop this user";
     }
     set_pixmap_of_Drawing(d, patterned_pixmap(PIXMAP_MATTE8, 20, 10, 2));
@@ -329,4 +330,18 @@ TEST_F(DrawingFile, UnreadableFilesAreReportedAndGiveNoRecord) {
         ASSERT_EQ(messages.errors().size(), 1u);
         EXPECT_EQ(messages.errors()[0], "Cannot load file " + path.toStdString() + ", unsupported type.");
     }
+}
+
+TEST_F(DrawingFile, NamesOutsideAsciiSurviveTheSaveAndTheLoad) {
+    Drawing *d = create_Drawing(QStringLiteral("Décor"), QStringLiteral("scène-12"), dir_.path());
+    set_file_format_of_Drawing(d, 2);
+    set_pixmap_of_Drawing(d, patterned_pixmap(PIXMAP_MATTE8, 5, 4));
+    ASSERT_EQ(save_Drawing(d), 0);
+    EXPECT_EQ(entries(), QStringList{QStringLiteral("Décor-scène-12.tif")});
+    QString text;
+    Drawing *back = load_Drawing(file(QStringLiteral("Décor-scène-12.tif")), text);
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(name_of_Drawing(back), QStringLiteral("scène-12"));
+    destroy_Drawing(&back);
+    destroy_Drawing(&d);
 }

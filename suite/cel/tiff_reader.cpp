@@ -221,7 +221,7 @@ bool forEachRow(TIFF *tif, const Header &h, RowFn &&row)
         const uint64_t tileRowBytes = TIFFTileRowSize64(tif);
         if (tw == 0 || th == 0 || tileBytes == 0 || tileBytes > kMaxBlockBytes)
             return false;
-        auto buf = std::make_unique_for_overwrite<uint8_t[]>(tileBytes);
+        auto buf = std::make_unique<uint8_t[]>(tileBytes);
         for (uint32_t y = 0; y < h.height; y += th) {
             for (uint32_t x = 0; x < h.width; x += tw) {
                 if (TIFFReadEncodedTile(tif, TIFFComputeTile(tif, x, y, 0, 0), buf.get(), tmsize_t(tileBytes)) < 0)
@@ -244,7 +244,7 @@ bool forEachRow(TIFF *tif, const Header &h, RowFn &&row)
         // One huge strip: the decoder hands it out row by row.
         if (rowBytes > kMaxBlockBytes)
             return false;
-        auto buf = std::make_unique_for_overwrite<uint8_t[]>(rowBytes);
+        auto buf = std::make_unique<uint8_t[]>(rowBytes);
         for (uint32_t y = 0; y < h.height; ++y) {
             if (TIFFReadScanline(tif, buf.get(), y, 0) < 0)
                 return false;
@@ -252,7 +252,9 @@ bool forEachRow(TIFF *tif, const Header &h, RowFn &&row)
         }
         return true;
     }
-    auto buf = std::make_unique_for_overwrite<uint8_t[]>(rowBytes * rowsPerStrip);
+    // Zeroed: a fax strip that ends early is accepted by the decoder, and its
+    // missing rows must not show stale memory.
+    auto buf = std::make_unique<uint8_t[]>(rowBytes * rowsPerStrip);
     uint32_t strip = 0;
     for (uint32_t y = 0; y < h.height; y += rowsPerStrip, ++strip) {
         const uint32_t rows = std::min(rowsPerStrip, h.height - y);

@@ -2,34 +2,18 @@
 // own tools, and on files that aren't images.
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include "scan/drawing.h"
+#include "support/run_program.h"
 #include "scan/pixmap_pixmap.h"
 #include "scan/vector_scaninfo.h"
 #include "suite/cel/celio_manager.h"
 
 namespace {
-
-struct ProcessResult {
-    int status = -1;
-    QString out, err;
-};
-
-ProcessResult run_program(const QString &program, const QStringList &args) {
-    QProcess p;
-    p.start(program, args);
-    ProcessResult r;
-    if (!p.waitForFinished(30000)) return r;
-    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    r.out = QString::fromUtf8(p.readAllStandardOutput());
-    r.err = QString::fromUtf8(p.readAllStandardError());
-    return r;
-}
 
 ProcessResult scanctl_info(const QStringList &files) { return run_program(QStringLiteral(SCANCTL_PATH), QStringList{"info"} + files); }
 

@@ -1,27 +1,14 @@
 // Runs the built scanctl on the sample studio file.
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include "support/run_program.h"
+
 namespace {
 
-struct ScanctlRun {
-    int status = -1;
-    QString out, err;
-};
-
-ScanctlRun scanctl(const QStringList &args) {
-    QProcess p;
-    p.start(QStringLiteral(SCANCTL_PATH), args);
-    ScanctlRun r;
-    if (!p.waitForFinished(30000)) return r;
-    r.status = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    r.out = QString::fromUtf8(p.readAllStandardOutput());
-    r.err = QString::fromUtf8(p.readAllStandardError());
-    return r;
-}
+ProcessResult scanctl(const QStringList &args) { return run_program(QStringLiteral(SCANCTL_PATH), args); }
 
 class ScanctlScanners : public ::testing::Test {
 protected:
@@ -42,7 +29,7 @@ protected:
 }  // namespace
 
 TEST_F(ScanctlScanners, ShowsTheStationsScannersAndTheReadersMessages) {
-    const ScanctlRun r = scanctl({QStringLiteral("scanners"), QStringLiteral("--host"), QStringLiteral("STUDIO-A"), path_});
+    const ProcessResult r = scanctl({QStringLiteral("scanners"), QStringLiteral("--host"), QStringLiteral("STUDIO-A"), path_});
     ASSERT_EQ(r.status, 0) << r.err.toStdString();
     EXPECT_EQ(r.err, QStringLiteral("Unknown defaultPegSide value 'bottom'\n"
                                     "Config file %1: WaitBetweenDrawings should be >= 0 or less than 1000. \n"
@@ -66,7 +53,7 @@ TEST_F(ScanctlScanners, ShowsTheStationsScannersAndTheReadersMessages) {
 }
 
 TEST_F(ScanctlScanners, AllHostsReadsEveryHostOnce) {
-    const ScanctlRun r = scanctl({QStringLiteral("scanners"), QStringLiteral("--all-hosts"), path_});
+    const ProcessResult r = scanctl({QStringLiteral("scanners"), QStringLiteral("--all-hosts"), path_});
     ASSERT_EQ(r.status, 0);
     EXPECT_EQ(r.out.count(QStringLiteral("=== host ")), 3);
     EXPECT_TRUE(r.out.contains(QStringLiteral("=== host paint01 ===\n2 scanners for host 'paint01'")));
@@ -80,7 +67,7 @@ TEST_F(ScanctlScanners, UnreadableFileAndBadArgumentsFail) {
     EXPECT_EQ(scanctl({QStringLiteral("scanners"), dir_.path()}).status, 1);
     EXPECT_EQ(scanctl({QStringLiteral("scanners"), QStringLiteral("--colour")}).status, 2);
     EXPECT_EQ(scanctl({QStringLiteral("frobnicate")}).status, 2);
-    const ScanctlRun help = scanctl({QStringLiteral("--help")});
+    const ProcessResult help = scanctl({QStringLiteral("--help")});
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(help.out.contains(QStringLiteral("scanners [--host NAME] [--all-hosts] [FILE]")));
 }

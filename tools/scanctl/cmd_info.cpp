@@ -117,13 +117,15 @@ bool describe(const QString &path, QTextStream &out, MessageCollector &messages)
     } else {
         out << "  scan information: " << text << "\n";
         LMV_scaninfo *s = scaninfo_of_Drawing(d);
-        if (LMV_scaninfo_from_str(s, text.toUtf8().constData()) != 0) {
+        const bool parsed = LMV_scaninfo_from_str(s, text.toUtf8().constData()) == 0;
+        if (!parsed) {
             const QStringList why = messages.take();
             out << "  scan information does not parse"
-                << (why.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(why.join(QStringLiteral("; "))))
-                << "; the fields read before the error:\n";
+                << (why.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(why.join(QStringLiteral("; "))));
+            // Without a version nothing was read: the fields would only show their blanks.
+            out << (s->version < 0 ? "\n" : "; the fields read before the error:\n");
         }
-        print_scaninfo_fields(out, *s);
+        if (parsed || s->version >= 0) print_scaninfo_fields(out, *s);
     }
     messages.take();
     destroy_Drawing(&d);

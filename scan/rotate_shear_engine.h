@@ -109,6 +109,46 @@ void blend_rows(T *__restrict dst, const T *__restrict a, const T *__restrict b,
         dst[i] = Blend::mix(a[i], b[i], wa[i], wb[i]);
 }
 
+// The blends of whole lines by the plain loops above. A build may give a kind
+// kernels of its own by specialising ShearKernels before it compiles shear().
+template <class Blend, int C, class T>
+struct PlainKernels {
+    using W = typename Blend::Weight;
+
+    static void line(T *dst, const T *src, int32_t n, const T *prev, W wa, W wb)
+    {
+        blend_line<Blend, C>(dst, src, n, prev, wa, wb);
+    }
+
+    // The weights of the vertical pass, repeated over each column's channels.
+    class Columns {
+    public:
+        void resize(int32_t n)
+        {
+            wa_.resize(size_t(n) * C);
+            wb_.resize(size_t(n) * C);
+        }
+        void set(int32_t k, W wa, W wb)
+        {
+            std::fill_n(wa_.begin() + ptrdiff_t(k) * C, C, wa);
+            std::fill_n(wb_.begin() + ptrdiff_t(k) * C, C, wb);
+        }
+        // Pixels [k0, k1) of a row: dst = mix(a, b) by each column's weights.
+        void blend(T *dst, const T *a, const T *b, int32_t k0, int32_t k1) const
+        {
+            const size_t at = size_t(k0) * C;
+            blend_rows<Blend>(dst + at, a + at, b + at, wa_.data() + at, wb_.data() + at, (k1 - k0) * C);
+        }
+
+    private:
+        std::vector<W> wa_, wb_;
+    };
+};
+
+template <class P>
+struct ShearKernels
+    : PlainKernels<typename ShearTraits<P>::Blend, ShearTraits<P>::kChannels, typename ShearTraits<P>::Channel> {};
+
 // A column range [lo, hi); empty when lo >= hi.
 struct Span {
     int32_t lo = 0, hi = 0;
@@ -123,6 +163,7 @@ class ShearEngine {
     using T = typename Traits::Channel;
     using Blend = typename Traits::Blend;
     using W = typename Blend::Weight;
+    using Kernels = ShearKernels<P>;
     static constexpr int C = Traits::kChannels;
     // Colour kinds write the blend with the background after a line's end.
     static constexpr bool kTail = C > 1;
@@ -190,7 +231,7 @@ private:
         const int32_t n = std::min(g_.w, g_.w2 - off);
         const T *line = src_ + size_t(j) * srcStride_;
         fill(row, off);
-        blend_line<Blend, C>(row + size_t(off) * C, line, n, bg_, wa, wb);
+        Kernels::line(row + size_t(off) * C, line, n, bg_, wa, wb);
         int32_t end = off + n;
         if (kTail && n > 0 && end < g_.w2) {
             writeTail(row + size_t(end) * C, line + size_t(n - 1) * C, wa, wb);
@@ -209,15 +250,11 @@ private:
 
     void prepareColumns()
     {
-        wa2_.resize(rowLen());
-        wb2_.resize(rowLen());
+        columns_.resize(g_.w2);
         runs_.clear();
         for (int32_t k = 0; k < g_.w2; ++k) {
             const ShearStep step = shear_step(pass2_shift(g_, k));
-            for (int c = 0; c < C; ++c) {
-                wa2_[size_t(k) * C + c] = Blend::a(step);
-                wb2_[size_t(k) * C + c] = Blend::b(step);
-            }
+            columns_.set(k, Blend::a(step), Blend::b(step));
             if (runs_.empty() || runs_.back().off != step.off)
                 runs_.push_back({k, k + 1, step.off, pass2_line(g_, step.off)});
             else
@@ -250,9 +287,7 @@ private:
                 span = {run.k0, run.k0};
             fill(dst + size_t(run.k0) * C, span.lo - run.k0);
             if (!span.empty()) {
-                const size_t at = size_t(span.lo) * C;
-                blend_rows<Blend>(dst + at, a + at, b + at, wa2_.data() + at, wb2_.data() + at,
-                                  (span.hi - span.lo) * C);
+                columns_.blend(dst, a, b, span.lo, span.hi);
                 touched = touched.hull(span);
             }
             fill(dst + size_t(span.hi) * C, run.k1 - span.hi);
@@ -275,7 +310,7 @@ private:
         const int32_t at = std::min(line.dst_start + (part.lo - line.src_start), g_.out_w);
         const int32_t n = std::min(part.hi - part.lo, g_.out_w - at);
         fill(dst, at);
-        blend_line<Blend, C>(dst + size_t(at) * C, src + size_t(part.lo) * C, n, bg_, wa, wb);
+        Kernels::line(dst + size_t(at) * C, src + size_t(part.lo) * C, n, bg_, wa, wb);
         int32_t end = at + n;
         const bool cutShort = part.hi < line.src_start + line.count;
         if ((kTail || cutShort) && n == part.hi - part.lo && end < g_.out_w) {
@@ -294,7 +329,7 @@ private:
     std::unique_ptr<T[]> ring_;
     int32_t ringRows_ = 1;
     std::vector<Span> span1_;
-    std::vector<W> wa2_, wb2_;
+    typename Kernels::Columns columns_;
     std::vector<Run> runs_;
 };
 

@@ -256,6 +256,23 @@ TEST_P(RotateKernels, SparsePicturesMatchTheReference)
     }
 }
 
+// The vector kernels take lines in steps of 32 bytes and finish with a step
+// that overlaps the one before; lines shorter than a step go pixel by pixel.
+// Small angles keep the columns of the vertical pass in long runs.
+TEST_P(RotateKernels, LinesAroundTheVectorWidthMatchTheReference)
+{
+    std::mt19937 rng(23);
+    for (int32_t kind : {PIXMAP_RGBA8, PIXMAP_MATTE8})
+        for (int32_t w = 1; w <= 42; ++w) {
+            const Picture src = random_picture(kind, w, 7, rng);
+            for (float angle : {0.3f, 2.0f, 358.0f})
+                for (const uint8_t *bg : {static_cast<const uint8_t *>(nullptr), kBackground}) {
+                    SCOPED_TRACE(describe(src, angle, bg));
+                    ASSERT_TRUE(rotated(src, angle, bg) == reference_rotation(src, angle, bg));
+                }
+        }
+}
+
 TEST(RotateShears, WholeShiftsCopyAndFractionsBlendTwoTaps)
 {
     const ShearStep whole = shear_step(3.0f);

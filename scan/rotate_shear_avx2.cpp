@@ -15,8 +15,12 @@
 
 #include "scan/rotate_shear.h"
 
+#if defined(__clang__)
+#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
+#else
 #pragma GCC push_options
 #pragma GCC target("avx2")
+#endif
 #define SHEAR_NAMESPACE shear_wide
 #include "scan/rotate_shear_engine.h"
 #include "scan/rotate_fixed_avx2.h"
@@ -45,5 +49,9 @@ void shear_avx2(const ShearGeometry &g, const CEL_RGBA16Pixel *src, size_t strid
 {
     shear_wide::shear(g, src, stride, bg, out);
 }
+#if defined(__clang__)
+#pragma clang attribute pop
+#else
 #pragma GCC pop_options
+#endif
 #endif

@@ -1,0 +1,2 @@
+# Sources of the workflow library: seam.
+target_sources(workflow PRIVATE ${CMAKE_CURRENT_LIST_DIR}/dbinfo.cpp)

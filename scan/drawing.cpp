@@ -265,6 +265,14 @@ const char *peg_side_name(int32_t side) {
 
 DRAWING_GETTER(name, QString, QString())
 DRAWING_GETTER(path, QString, QString())
+
+QString file_base_name_of_Drawing(const Drawing *d) {
+    DRAWING_OR_RETURN(d, QString());
+    // A loaded record keeps the whole file name as its path and no element.
+    const QFileInfo file(d->path);
+    if (d->element.isEmpty() && file.isFile()) return file.completeBaseName();
+    return QStringLiteral("%1-%2").arg(d->element, d->name);
+}
 DRAWING_GETTER(saved, uint8_t, 0)
 DRAWING_FIELD(file_format, int32_t, 24)
 DRAWING_FIELD(pixel_shape, int32_t, PIXEL_SHAPE_UNSET)

@@ -38,6 +38,9 @@ extern const char *last_peg_side_name;
 // Fields of the record.
 QString name_of_Drawing(const Drawing *drawing);
 QString path_of_Drawing(const Drawing *drawing);
+// The file's name without folder and extension: element-name, or for a
+// record loaded from a file the base name of that file.
+QString file_base_name_of_Drawing(const Drawing *drawing);
 uint8_t saved_of_Drawing(const Drawing *drawing);
 int32_t file_format_of_Drawing(const Drawing *drawing);
 void set_file_format_of_Drawing(Drawing *drawing, int32_t format);

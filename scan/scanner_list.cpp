@@ -190,8 +190,8 @@ std::unique_ptr<ScannerEntry> take_TWAIN_of_ScannerList(ScannerList *list) {
     return twain;
 }
 
-namespace {
-bool supports_scan_type(const ScannerEntry *e, int32_t scanType) {
+bool supports_scan_type_of_ScannerEntry(const ScannerEntry *e, int32_t scanType) {
+    LMV_ASSERT_RET(e != nullptr, false);
     switch (scanType) {
     case SCANTYPE_COLOUR: return supported_of_ScanDeviceInfo(e->device_info.get(), DEPTH_COLOUR);
     case SCANTYPE_GREY: return supported_of_ScanDeviceInfo(e->device_info.get(), DEPTH_GREY);
@@ -199,14 +199,13 @@ bool supports_scan_type(const ScannerEntry *e, int32_t scanType) {
     default: return false;  // "never supported"
     }
 }
-}  // namespace
 
 ScannerEntry *best_for_scan_type_of_ScannerList(const ScannerList *list, ScannerEntry *preferred,
                                                 int32_t scanType) {
     LMV_ASSERT_RET(list != nullptr, nullptr);
     if (!preferred || scanType == SCANTYPE_NONE) return nullptr;
-    if (supports_scan_type(preferred, scanType)) return preferred;
+    if (supports_scan_type_of_ScannerEntry(preferred, scanType)) return preferred;
     for (const auto &e : list->entries)
-        if (supports_scan_type(e.get(), scanType)) return e.get();
+        if (supports_scan_type_of_ScannerEntry(e.get(), scanType)) return e.get();
     return nullptr;
 }

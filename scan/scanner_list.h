@@ -93,6 +93,10 @@ double xScaleAdjustment_of_ScannerEntry(const ScannerEntry *e);
 double yScaleAdjustment_of_ScannerEntry(const ScannerEntry *e);
 QStringList rgbDropList_of_ScannerEntry(const ScannerEntry *e);
 
+// Whether the scanner scans an element scan type (ElementScanType); never
+// for SCANTYPE_NEVER and SCANTYPE_NONE.
+bool supports_scan_type_of_ScannerEntry(const ScannerEntry *e, int32_t scanType);
+
 // "Scanner Name:\t...\nDevice:\t\t...\nScanner Model:\t...\nDescription:\t..."
 QString information_of_ScannerEntry(const ScannerEntry *e);
 

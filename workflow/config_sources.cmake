@@ -1,1 +1,2 @@
 # Sources of the workflow library: config.
+target_sources(workflow PRIVATE ${CMAKE_CURRENT_LIST_DIR}/config.cpp)

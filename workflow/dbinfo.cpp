@@ -2,6 +2,8 @@
 
 #include "scan/scanner_list.h"
 #include "suite/base/assertion.h"
+#include "workflow/config.h"
+#include "workflow/scan_procs.h"
 
 DatabaseBinding *DatabaseBindingCreate(TUDbAccess *database) {
     auto *binding = new DatabaseBinding;
@@ -57,4 +59,13 @@ bool binding_fits_depth(const DatabaseBinding *binding, int32_t depth) {
     case SCANTYPE_NEVER: return false;
     default: LMV_ASSERT_RET(!"scan type of the binding", false);
     }
+}
+
+int32_t UpdateDrawingDatabase(ScanConfig *config) {
+    LMV_ASSERT_RET(config != nullptr, SCAN_INTERNAL);
+    const DatabaseBinding *binding = config->binding;
+    // Only a binding opened on a production database gets this far; the cel
+    // and queue calls come with that database.
+    LMV_ASSERT_RET(binding && binding->open && binding->database, SCAN_BUSY);
+    return SCAN_BUSY;
 }

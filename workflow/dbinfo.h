@@ -6,6 +6,7 @@
 #include <cstdint>
 
 class TUDbAccess;
+struct ScanConfig;
 
 struct DatabaseBinding {
     bool open = false;  // the element's directory was found
@@ -33,3 +34,8 @@ float field_chart_of_DatabaseBinding(const DatabaseBinding *binding);
 
 // Scan type 0 fits depth 2, 1 fits 1, 2 fits 0, 3 nothing.
 bool binding_fits_depth(const DatabaseBinding *binding, int32_t depth);
+
+// After a drawing of a database list was saved: marks its cel processed and
+// queues it for vectorizing when the element wants that. A ScanResult: 0, 4
+// without an open binding to a database, 12 when the queue failed.
+int32_t UpdateDrawingDatabase(ScanConfig *config);

@@ -1,2 +1,3 @@
 # Sources of the workflow library: seam.
 target_sources(workflow PRIVATE ${CMAKE_CURRENT_LIST_DIR}/dbinfo.cpp)
+target_sources(workflow PRIVATE ${CMAKE_CURRENT_LIST_DIR}/scripted_window.cpp)

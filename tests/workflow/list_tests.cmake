@@ -1,1 +1,4 @@
 # Tests of the workflow library: list.
+scan_add_test(workflow_list_tests
+  SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_manual_list_syntax.cpp
+  LIBS workflow)

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "scan/drivers/Dev_bogus.h"
 #include "scan/scanner_device.h"
 #include "scan/scanner_list.h"
 #include "suite/base/assertion.h"
@@ -234,18 +235,6 @@ void setup_ricoh_is330_is760(ScanDeviceInfo *dev, bool is330) {
     dev->ops.initiate = nop_of_ScanDeviceInfo;
 }
 
-// The test scanner's operations that do nothing; reserve, setup1, set_window,
-// autoload and read come with its driver.
-void test_device_ops(ScanDeviceInfo *dev) {
-    dev->ops.ready = nop_of_ScanDeviceInfo;
-    dev->ops.inquire = nop_of_ScanDeviceInfo;
-    dev->ops.setup2 = nop_drawing_of_ScanDeviceInfo;
-    dev->ops.unload = nop_of_ScanDeviceInfo;
-    dev->ops.eject = nop_of_ScanDeviceInfo;
-    dev->ops.initiate = nop_of_ScanDeviceInfo;
-    dev->ops.release = nop_of_ScanDeviceInfo;
-}
-
 void setup_bogus_bw(ScanDeviceInfo *dev) {
     apply_caps(dev, {DEPTH_BW, true, true, true, true, false, false, 72, 300, 72, kAllSteps, 300, false});
     apply_limits(dev, {.threshold = true, .points = true, .gamma = true});
@@ -254,7 +243,7 @@ void setup_bogus_bw(ScanDeviceInfo *dev) {
     speed(&dev->bw_parameters, 5, 35000, 10, false, 0, true, 2000, true);
     // The grey set stays empty; the colour set has a gamma although colour is off.
     gamma(dev, &dev->colour_parameters);
-    test_device_ops(dev);
+    install_Dev_bogus_ops(dev);
 }
 
 void setup_bogus_colour(ScanDeviceInfo *dev) {
@@ -269,7 +258,7 @@ void setup_bogus_colour(ScanDeviceInfo *dev) {
     speed(&dev->grey_parameters, 5, 35000, 10, true, 15000, true, 2000, false);
     gamma(dev, &dev->colour_parameters);
     speed(&dev->colour_parameters, 5, 35000, 10, true, 15000, false, 0, true);
-    test_device_ops(dev);
+    install_Dev_bogus_ops(dev);
 }
 
 // Epson scanners report their feeder at setup; that question comes with their

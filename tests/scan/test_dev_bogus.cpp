@@ -1,0 +1,337 @@
+// The test scanner: its field chart, its feeder count and the scan data it
+// delivers to the drawing at each depth.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "scan/devices.h"
+#include "scan/drawing.h"
+#include "scan/drivers/bogus_field_chart.h"
+#include "scan/pixmap_pixmap.h"
+#include "scan/scanner_device.h"
+#include "support/message_capture.h"
+
+namespace {
+
+// Runs a test in an empty directory of its own, which holds the driver's
+// control files, and goes back afterwards.
+class InTempDir {
+public:
+    InTempDir() : old_(QDir::currentPath()) { QDir::setCurrent(dir_.path()); }
+    ~InTempDir() { QDir::setCurrent(old_); }
+    void write(const char *name, const QByteArray &text) const {
+        QFile f(dir_.filePath(QString::fromLatin1(name)));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(text);
+    }
+    QByteArray read(const char *name) const {
+        QFile f(dir_.filePath(QString::fromLatin1(name)));
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("(missing)");
+    }
+    QString path(const char *name) const { return dir_.filePath(QString::fromLatin1(name)); }
+
+private:
+    QTemporaryDir dir_;
+    QString old_;
+};
+
+// The chart of a 12-inch field at 100 dpi, unskewed: painted on a 1200 pixel
+// square, turned a quarter and scaled to 1050 by 1200.
+constexpr double kField = 12, kDpi = 100;
+constexpr int kSquare = 1200, kWide = 1050;
+
+// Where a point of the chart (in pixels from its top left) lands in the image,
+// for a chart moved by (dx, dy) pixels before it was turned.
+QPoint landing(double cx, double cy, double dx = 0, double dy = 0) {
+    return QPoint(int((cy + dy) * kWide / kSquare), int(kSquare - cx - dx));
+}
+
+bool white(const QImage &chart, QPoint p) { return qRed(chart.pixel(p)) == 255; }
+
+TEST(BogusFieldChart, PegHolesGridAndSize) {
+    InTempDir dir;
+    const QImage chart = make_field_chart(kField, kDpi, false, 1.0, 1.0);
+    ASSERT_EQ(chart.size(), QSize(kWide, kSquare));
+    // The round hole's centre, and its neighbourhood along the peg bar.
+    EXPECT_TRUE(white(chart, landing(599.5, 37.5)));
+    EXPECT_FALSE(white(chart, landing(620, 37.5)));
+    EXPECT_FALSE(white(chart, landing(580, 37.5)));
+    // The slots, 0.7 inch wide, four inches either side.
+    for (double left : {165.0, 965.0}) {
+        EXPECT_TRUE(white(chart, landing(left + 4, 37)));
+        EXPECT_TRUE(white(chart, landing(left + 66, 37)));
+        EXPECT_FALSE(white(chart, landing(left - 6, 37)));
+        EXPECT_FALSE(white(chart, landing(left + 76, 37)));
+    }
+    // Above the grid there is nothing but the holes.
+    EXPECT_FALSE(white(chart, landing(600, 80)));
+    // A vertical line every half inch from the centre, a horizontal one every
+    // 3/8 inch from 1 1/8 inch down, with black between.
+    EXPECT_TRUE(white(chart, landing(650, 320)));
+    EXPECT_TRUE(white(chart, landing(100, 320)));
+    EXPECT_FALSE(white(chart, landing(625, 320)));
+    EXPECT_TRUE(white(chart, landing(625, 300)));
+    EXPECT_FALSE(white(chart, landing(625, 281)));
+    // The dot beyond the right arrow head breaks the centre line; the line
+    // goes on past it.
+    EXPECT_FALSE(white(chart, landing(1012, 562)));
+    EXPECT_TRUE(white(chart, landing(1080, 562)));
+
+    // Room for the skew: an inch taller, the chart half an inch further in.
+    const QImage skewed = paint_field_chart(kField, kDpi, true, 1.0, 1.0, FieldChartSkew{});
+    ASSERT_EQ(skewed.size(), QSize(kWide, 1300));
+    EXPECT_TRUE(white(skewed, QPoint(int(37.5 * kWide / 1300), 1300 - 650)));
+}
+
+TEST(BogusFieldChart, OffsetFileMovesTheChart) {
+    InTempDir dir;
+    dir.write("DUMMY_XYR_OFFSET_FILE", "0.5,0.25,0\n");
+    testing::internal::CaptureStderr();
+    const QImage moved = make_field_chart(kField, kDpi, false, 1.0, 1.0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "DUMMY_XYR_OFFSET_FILE opened\nxoff:0.5, yoff:0.25, roff:0\nxoff:0.5, yoff:0.25, roff:0\n");
+    EXPECT_TRUE(white(moved, landing(599.5, 37.5, 50, 25)));
+    EXPECT_FALSE(white(moved, landing(599.5, 37.5)));
+
+    // A degree clockwise about the sheet's corner swings the hole, 600 pixels
+    // down the sheet, ten pixels towards the peg edge.
+    dir.write("DUMMY_XYR_OFFSET_FILE", "0,0,1\n");
+    testing::internal::CaptureStderr();
+    const QImage turned = make_field_chart(kField, kDpi, false, 1.0, 1.0);
+    testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(white(turned, QPoint(int(27.0 * kWide / kSquare), 601)));
+    EXPECT_FALSE(white(turned, QPoint(int(48.0 * kWide / kSquare), 600)));
+}
+
+// ---- The device --------------------------------------------------------------
+
+struct DrawingDeleter {
+    void operator()(Drawing *d) const { destroy_Drawing(&d); }
+};
+using DrawingPtr = std::unique_ptr<Drawing, DrawingDeleter>;
+
+class BogusDevice : public ::testing::Test {
+protected:
+    std::unique_ptr<ScanDeviceInfo> device(const char *model, const QString &source) {
+        auto dev = std::make_unique<ScanDeviceInfo>();
+        dev->model = QString::fromLatin1(model);
+        dev->device = source;
+        EXPECT_TRUE(setup_model_of_devices(dev.get()));
+        return dev;
+    }
+    DrawingPtr drawing(int32_t depth, int32_t peg_side = 1) {
+        DrawingPtr d(create_Drawing(QStringLiteral("A"), QStringLiteral("0001"), dir_.path("")));
+        set_scan_depth_of_Drawing(d.get(), depth);
+        set_peg_side_of_Drawing(d.get(), peg_side);
+        set_paper_size_of_Drawing(d.get(), float(kField));
+        set_dpi_of_Drawing(d.get(), float(kDpi));
+        return d;
+    }
+    // One scan as the loop runs it, standard output swallowed.
+    ScanStatus scan(ScanDeviceInfo *dev, Drawing *d) {
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        EXPECT_FALSE(reserve_ScanDevice(dev).failed());
+        const ScanStatus status = read_ScanDevice(dev, d);
+        stdout_ = testing::internal::GetCapturedStdout();
+        testing::internal::GetCapturedStderr();
+        return status;
+    }
+    static std::vector<uint8_t> matte(const Drawing *d) {
+        const LMV_pixmap *p = pixmap_of_Drawing(d);
+        const uint8_t *data = matte8_data_of_pixmap(p);
+        if (!data) return {};
+        return {data, data + size_t(width_of_pixmap(p)) * size_t(height_of_pixmap(p))};
+    }
+
+    InTempDir dir_;
+    std::string stdout_;
+};
+
+TEST_F(BogusDevice, FeederCountsDownToEmpty) {
+    auto dev = device("Bogus-Color", QStringLiteral("fieldchart"));
+    // No file: the feeder never runs empty, and no file appears.
+    EXPECT_FALSE(autoload_ScanDevice(dev.get()).failed());
+    EXPECT_EQ(dir_.read("ADF_COUNT_FILE"), "(missing)");
+    // An empty file reads nothing and changes nothing.
+    dir_.write("ADF_COUNT_FILE", "");
+    EXPECT_FALSE(autoload_ScanDevice(dev.get()).failed());
+    EXPECT_EQ(dir_.read("ADF_COUNT_FILE"), "");
+    // One sheet, then empty.
+    dir_.write("ADF_COUNT_FILE", "1\n");
+    EXPECT_EQ(autoload_ScanDevice(dev.get()), scan_status(SCSI_GOOD, STATUS_SUCCESS));
+    EXPECT_EQ(dir_.read("ADF_COUNT_FILE"), "0\n");
+    EXPECT_EQ(autoload_ScanDevice(dev.get()), scan_status(SCSI_MEDIUM_ERROR, STATUS_FEEDER_FAILURE));
+    EXPECT_EQ(dir_.read("ADF_COUNT_FILE"), "0\n");
+}
+
+TEST_F(BogusDevice, WindowAndDropListReports) {
+    auto dev = device("Bogus-Color", QStringLiteral("fieldchart"));
+    dev->rgbDropList = {QStringLiteral("Red, 0, 100"), QStringLiteral("None")};
+    dev->autofeeded = true;
+    dev->leftOffset = 0.25f;
+    DrawingPtr d = drawing(DEPTH_GREY, 3);
+    MessageCapture capture;
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(setup1_ScanDevice(dev.get(), d.get()).failed());
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Red, 0, 100\nNone\n");
+    EXPECT_FALSE(set_window_ScanDevice(dev.get(), d.get()).failed());
+    EXPECT_EQ(capture.texts('I'),
+              (std::vector<std::string>{"set_window: scan_depth_of_Drawing:Gray:1", "set_window: dpi_of_Drawing:100",
+                                        "set_window: paper_size_of_Drawing: 12",
+                                        "set_window: optical_reg_of_ScanDeviceInfo:0",
+                                        "set_window: peg_side_of_Drawing:3", "set_window: dev->leftOffset=0.25",
+                                        "In autofeeded"}));
+    EXPECT_FALSE(dev->reserved);
+}
+
+// A small drawing file of known colours, through the three depths.
+TEST_F(BogusDevice, DepthConversionsOfAFile) {
+    QImage image(11, 2, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    image.setPixel(1, 0, qRgb(0, 0, 0));
+    image.setPixel(2, 0, qRgb(0, 255, 255));   // no red: black in black and white
+    image.setPixel(3, 0, qRgb(255, 0, 0));
+    image.setPixel(9, 1, qRgb(155, 205, 55));  // the grey weights tell here
+    const QString path = dir_.path("sheet.png");
+    ASSERT_TRUE(image.save(path));
+    auto dev = device("Bogus-Color", path);
+
+    DrawingPtr bw = drawing(DEPTH_BW);
+    MessageCapture capture;
+    ASSERT_FALSE(scan(dev.get(), bw.get()).failed());
+    std::vector<uint8_t> expected(22, 255);
+    expected[1] = expected[2] = expected[11 + 9] = 0;
+    EXPECT_EQ(matte(bw.get()), expected);
+    EXPECT_TRUE(capture.contains("xres:11 yres:2"));
+    EXPECT_EQ(stdout_, "rgbDrop_of_Standard_parameters=(null)\nrgbDrop_of_Standard_parameters=(null)\n");
+
+    DrawingPtr grey = drawing(DEPTH_GREY);
+    ASSERT_FALSE(scan(dev.get(), grey.get()).failed());
+    const std::vector<uint8_t> g = matte(grey.get());
+    ASSERT_EQ(g.size(), 22u);
+    EXPECT_EQ(g[0], 255);
+    EXPECT_EQ(g[1], 0);
+    EXPECT_EQ(g[2], 179);  // inverted to red
+    EXPECT_EQ(g[3], 77);   // inverted to cyan
+    EXPECT_EQ(g[11 + 9], 145);
+
+    DrawingPtr colour = drawing(DEPTH_COLOUR);
+    ASSERT_FALSE(scan(dev.get(), colour.get()).failed());
+    const CEL_RGBA8Pixel *c = rgba8_data_of_pixmap(pixmap_of_Drawing(colour.get()));
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(c[2], (CEL_RGBA8Pixel{0, 255, 255, 0}));
+    EXPECT_EQ(c[11 + 9], (CEL_RGBA8Pixel{155, 205, 55, 0}));
+}
+
+// The chart at colour depth ramps red across and blue down its white parts.
+TEST_F(BogusDevice, ChartColourRamp) {
+    auto dev = device("Bogus-Color", QStringLiteral("fieldchart"));
+    DrawingPtr d = drawing(DEPTH_COLOUR);
+    ASSERT_FALSE(scan(dev.get(), d.get()).failed());
+    const LMV_pixmap *p = pixmap_of_Drawing(d.get());
+    ASSERT_EQ(width_of_pixmap(p), kWide);
+    const CEL_RGBA8Pixel *c = rgba8_data_of_pixmap(p);
+    const QPoint hole = landing(599.5, 37.5);
+    EXPECT_EQ(c[hole.y() * kWide + hole.x()], (CEL_RGBA8Pixel{248, 0, 128, 0}));
+    EXPECT_EQ(c[0], (CEL_RGBA8Pixel{255, 255, 255, 0}));
+}
+
+// Both models deliver the chart's black-and-white pixmap alike, whatever
+// pieces they cut it into, and as the chart shows it.
+TEST_F(BogusDevice, BlackAndWhiteBandsOfBothModels) {
+    const QImage chart = make_field_chart(kField, kDpi, false, 1.0, 1.0);
+    for (int32_t side : {1, 2}) {
+        auto bw_model = device("Bogus-B&W", QStringLiteral("fieldchart"));
+        auto colour_model = device("Bogus-Color", QStringLiteral("fieldchart"));
+        DrawingPtr a = drawing(DEPTH_BW, side), b = drawing(DEPTH_BW, side);
+        MessageCapture capture;
+        ASSERT_FALSE(scan(bw_model.get(), a.get()).failed());
+        ASSERT_FALSE(scan(colour_model.get(), b.get()).failed());
+        EXPECT_TRUE(capture.errors().empty());
+        const std::vector<uint8_t> pa = matte(a.get());
+        EXPECT_EQ(pa, matte(b.get()));
+        if (side == 1) {
+            ASSERT_EQ(pa.size(), size_t(chart.width()) * size_t(chart.height()));
+            size_t mismatches = 0;
+            for (int y = 0; y < chart.height(); ++y)
+                for (int x = 0; x < chart.width(); ++x)
+                    mismatches += pa[size_t(y) * size_t(chart.width()) + size_t(x)] !=
+                                  (qRed(chart.pixel(x, y)) == 0 ? 255 : 0);
+            EXPECT_EQ(mismatches, 0u);
+        } else {
+            EXPECT_TRUE(capture.contains("xres:1200 yres:1050"));
+        }
+    }
+}
+
+TEST_F(BogusDevice, ChartSkewFollowsFeedAndRegistration) {
+    auto dev = device("Bogus-B&W", QStringLiteral("fieldchart"));
+    DrawingPtr d = drawing(DEPTH_BW);
+    ASSERT_FALSE(scan(dev.get(), d.get()).failed());
+    const std::vector<uint8_t> first = matte(d.get());
+    ASSERT_FALSE(scan(dev.get(), d.get()).failed());
+    EXPECT_EQ(matte(d.get()), first);
+
+    for (bool fed : {true, false}) {
+        dev->autofeeded = fed;
+        dev->optical_reg = !fed;
+        ASSERT_FALSE(scan(dev.get(), d.get()).failed());
+        const std::vector<uint8_t> one = matte(d.get());
+        ASSERT_FALSE(scan(dev.get(), d.get()).failed());
+        EXPECT_NE(matte(d.get()), one);
+        EXPECT_EQ(height_of_pixmap(pixmap_of_Drawing(d.get())), 1300);
+    }
+}
+
+// Levels are stretched for the chart named as such, not for the chart that
+// stands in for a file that can't be read. Degenerate points make the stretch
+// visible on a two-valued chart: everything turns white.
+TEST_F(BogusDevice, StretchOnlyForTheNamedChart) {
+    for (const char *source : {"fieldchart", "no/such/sheet.tif"}) {
+        auto dev = device("Bogus-Color", QString::fromLatin1(source));
+        set_black_point_of_Standard_parameters(&dev->grey_parameters, 0);
+        set_white_point_of_Standard_parameters(&dev->grey_parameters, 0);
+        DrawingPtr d = drawing(DEPTH_GREY);
+        MessageCapture capture;
+        ASSERT_FALSE(scan(dev.get(), d.get()).failed());
+        EXPECT_TRUE(capture.errors().empty());
+        const std::vector<uint8_t> g = matte(d.get());
+        const auto black = std::count(g.begin(), g.end(), uint8_t(0));
+        if (std::string(source) == "fieldchart")
+            EXPECT_EQ(black, 0);
+        else
+            EXPECT_GT(black, 1000);
+    }
+}
+
+TEST_F(BogusDevice, CalibrationWidensTheBlackAndWhiteChart) {
+    qputenv("DEV_BOGUS_CALIBRATION", "1.0 0.5");
+    auto dev = device("Bogus-B&W", QStringLiteral("fieldchart"));
+    DrawingPtr d = drawing(DEPTH_BW);
+    MessageCapture capture;
+    const ScanStatus status = scan(dev.get(), d.get());
+    qunsetenv("DEV_BOGUS_CALIBRATION");
+    ASSERT_FALSE(status.failed());
+    EXPECT_EQ(stdout_, "Using calibration: 1.000000 0.500000\n");
+    EXPECT_TRUE(capture.contains("xres:1425 yres:1700"));
+}
+
+TEST_F(BogusDevice, InternalErrors) {
+    auto dev = device("Bogus-Color", QStringLiteral("fieldchart"));
+    DrawingPtr d = drawing(7);
+    EXPECT_EQ(scan(dev.get(), d.get()), scan_status(SCSI_GOOD, STATUS_INTERNAL_ERROR));
+    // No field, no chart: an image of depth 0 at colour depth.
+    DrawingPtr empty = drawing(DEPTH_COLOUR);
+    set_paper_size_of_Drawing(empty.get(), 0.0f);
+    EXPECT_EQ(scan(dev.get(), empty.get()), scan_status(SCSI_GOOD, STATUS_INTERNAL_ERROR));
+}
+
+}  // namespace

@@ -266,18 +266,15 @@ ScanStatus bogus_read(ScanDeviceInfo *dev, Drawing *drawing) {
 void install_Dev_bogus_ops(ScanDeviceInfo *dev) {
     LMV_ASSERT_VOID(dev != nullptr);
     // Nothing to open: reserved stays false, and release has nothing to undo.
-    ScannerOps ops;
-    ops.reserve = bogus_reserve;
-    ops.ready = nop_of_ScanDeviceInfo;
-    ops.inquire = nop_of_ScanDeviceInfo;
-    ops.setup1 = bogus_setup1;
-    ops.set_window = bogus_set_window;
-    ops.setup2 = nop_drawing_of_ScanDeviceInfo;
-    ops.autoload = bogus_autoload;
-    ops.unload = nop_of_ScanDeviceInfo;
-    ops.eject = nop_of_ScanDeviceInfo;
-    ops.initiate = nop_of_ScanDeviceInfo;
-    ops.read = bogus_read;
-    ops.release = nop_of_ScanDeviceInfo;
-    dev->ops = ops;
+    // The slots not named keep their fresh do-nothing operations.
+    dev->ops = ScannerOps{
+        .reserve = bogus_reserve,
+        .ready = nop_of_ScanDeviceInfo,
+        .inquire = nop_of_ScanDeviceInfo,
+        .setup1 = bogus_setup1,
+        .set_window = bogus_set_window,
+        .autoload = bogus_autoload,
+        .read = bogus_read,
+        .release = nop_of_ScanDeviceInfo,
+    };
 }

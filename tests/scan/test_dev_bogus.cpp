@@ -59,30 +59,26 @@ TEST(BogusFieldChart, PegHolesGridAndSize) {
     InTempDir dir;
     const QImage chart = make_field_chart(kField, kDpi, false, 1.0, 1.0);
     ASSERT_EQ(chart.size(), QSize(kWide, kSquare));
-    // The round hole's centre, and its neighbourhood along the peg bar.
-    EXPECT_TRUE(white(chart, landing(599.5, 37.5)));
-    EXPECT_FALSE(white(chart, landing(620, 37.5)));
-    EXPECT_FALSE(white(chart, landing(580, 37.5)));
-    // The slots, 0.7 inch wide, four inches either side.
-    for (double left : {165.0, 965.0}) {
-        EXPECT_TRUE(white(chart, landing(left + 4, 37)));
-        EXPECT_TRUE(white(chart, landing(left + 66, 37)));
-        EXPECT_FALSE(white(chart, landing(left - 6, 37)));
-        EXPECT_FALSE(white(chart, landing(left + 76, 37)));
-    }
-    // Above the grid there is nothing but the holes.
-    EXPECT_FALSE(white(chart, landing(600, 80)));
-    // A vertical line every half inch from the centre, a horizontal one every
-    // 3/8 inch from 1 1/8 inch down, with black between.
-    EXPECT_TRUE(white(chart, landing(650, 320)));
-    EXPECT_TRUE(white(chart, landing(100, 320)));
-    EXPECT_FALSE(white(chart, landing(625, 320)));
-    EXPECT_TRUE(white(chart, landing(625, 300)));
-    EXPECT_FALSE(white(chart, landing(625, 281)));
-    // The dot beyond the right arrow head breaks the centre line; the line
-    // goes on past it.
-    EXPECT_FALSE(white(chart, landing(1012, 562)));
-    EXPECT_TRUE(white(chart, landing(1080, 562)));
+    struct Spot {
+        double cx, cy;
+        bool white;
+    };
+    const Spot spots[] = {
+        // The round hole, and black either side of it along the peg bar.
+        {599.5, 37.5, true}, {620, 37.5, false}, {580, 37.5, false},
+        // The slots, 0.7 inch wide, four inches either side.
+        {169, 37, true}, {230, 37, true}, {158, 37, false}, {240, 37, false},
+        {969, 37, true}, {1030, 37, true}, {958, 37, false}, {1040, 37, false},
+        // Nothing between the holes and the grid.
+        {600, 80, false},
+        // A vertical line every half inch from the centre, a horizontal one
+        // every 3/8 inch from 1 1/8 inch down, black between.
+        {650, 320, true}, {100, 320, true}, {625, 320, false}, {625, 300, true}, {625, 281, false},
+        // The dot beyond the right arrow head breaks the centre line.
+        {1012, 562, false}, {1080, 562, true},
+    };
+    for (const Spot &s : spots)
+        EXPECT_EQ(white(chart, landing(s.cx, s.cy)), s.white) << s.cx << "," << s.cy;
 
     // Room for the skew: an inch taller, the chart half an inch further in.
     const QImage skewed = paint_field_chart(kField, kDpi, true, 1.0, 1.0, FieldChartSkew{});
@@ -172,7 +168,7 @@ TEST_F(BogusDevice, FeederCountsDownToEmpty) {
     EXPECT_EQ(dir_.read("ADF_COUNT_FILE"), "0\n");
 }
 
-TEST_F(BogusDevice, WindowAndDropListReports) {
+TEST_F(BogusDevice, ReportsAndCalibration) {
     auto dev = device("Bogus-Color", QStringLiteral("fieldchart"));
     dev->rgbDropList = {QStringLiteral("Red, 0, 100"), QStringLiteral("None")};
     dev->autofeeded = true;
@@ -190,10 +186,20 @@ TEST_F(BogusDevice, WindowAndDropListReports) {
                                         "set_window: peg_side_of_Drawing:3", "set_window: dev->leftOffset=0.25",
                                         "In autofeeded"}));
     EXPECT_FALSE(dev->reserved);
+
+    // Calibrations other than 1.0 give the black-and-white chart a margin.
+    qputenv("DEV_BOGUS_CALIBRATION", "1.0 0.5");
+    auto bw = device("Bogus-B&W", QStringLiteral("fieldchart"));
+    DrawingPtr b = drawing(DEPTH_BW);
+    const ScanStatus status = scan(bw.get(), b.get());
+    qunsetenv("DEV_BOGUS_CALIBRATION");
+    ASSERT_FALSE(status.failed());
+    EXPECT_EQ(stdout_, "Using calibration: 1.000000 0.500000\n");
+    EXPECT_TRUE(capture.contains("xres:1425 yres:1700"));
 }
 
-// A small drawing file of known colours, through the three depths.
-TEST_F(BogusDevice, DepthConversionsOfAFile) {
+// A small drawing file of known colours through the three depths, then the chart.
+TEST_F(BogusDevice, DepthConversions) {
     QImage image(11, 2, QImage::Format_RGB32);
     image.fill(Qt::white);
     image.setPixel(1, 0, qRgb(0, 0, 0));
@@ -229,16 +235,11 @@ TEST_F(BogusDevice, DepthConversionsOfAFile) {
     ASSERT_NE(c, nullptr);
     EXPECT_EQ(c[2], (CEL_RGBA8Pixel{0, 255, 255, 0}));
     EXPECT_EQ(c[11 + 9], (CEL_RGBA8Pixel{155, 205, 55, 0}));
-}
 
-// The chart at colour depth ramps red across and blue down its white parts.
-TEST_F(BogusDevice, ChartColourRamp) {
-    auto dev = device("Bogus-Color", QStringLiteral("fieldchart"));
-    DrawingPtr d = drawing(DEPTH_COLOUR);
-    ASSERT_FALSE(scan(dev.get(), d.get()).failed());
-    const LMV_pixmap *p = pixmap_of_Drawing(d.get());
-    ASSERT_EQ(width_of_pixmap(p), kWide);
-    const CEL_RGBA8Pixel *c = rgba8_data_of_pixmap(p);
+    // The chart instead ramps red across and blue down its white parts.
+    dev->device = QStringLiteral("fieldchart");
+    ASSERT_FALSE(scan(dev.get(), colour.get()).failed());
+    c = rgba8_data_of_pixmap(pixmap_of_Drawing(colour.get()));
     const QPoint hole = landing(599.5, 37.5);
     EXPECT_EQ(c[hole.y() * kWide + hole.x()], (CEL_RGBA8Pixel{248, 0, 128, 0}));
     EXPECT_EQ(c[0], (CEL_RGBA8Pixel{255, 255, 255, 0}));
@@ -310,18 +311,6 @@ TEST_F(BogusDevice, StretchOnlyForTheNamedChart) {
         else
             EXPECT_GT(black, 1000);
     }
-}
-
-TEST_F(BogusDevice, CalibrationWidensTheBlackAndWhiteChart) {
-    qputenv("DEV_BOGUS_CALIBRATION", "1.0 0.5");
-    auto dev = device("Bogus-B&W", QStringLiteral("fieldchart"));
-    DrawingPtr d = drawing(DEPTH_BW);
-    MessageCapture capture;
-    const ScanStatus status = scan(dev.get(), d.get());
-    qunsetenv("DEV_BOGUS_CALIBRATION");
-    ASSERT_FALSE(status.failed());
-    EXPECT_EQ(stdout_, "Using calibration: 1.000000 0.500000\n");
-    EXPECT_TRUE(capture.contains("xres:1425 yres:1700"));
 }
 
 TEST_F(BogusDevice, InternalErrors) {

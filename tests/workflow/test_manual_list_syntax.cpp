@@ -6,7 +6,7 @@
 #include "workflow/manual_list_syntax.h"
 
 // Failures show the names, not their bytes.
-void PrintTo(const QStringList &list, std::ostream *os) { *os << '"' << list.join("|").toStdString() << '"'; }
+inline void PrintTo(const QStringList &list, std::ostream *os) { *os << '"' << list.join("|").toStdString() << '"'; }
 
 namespace {
 

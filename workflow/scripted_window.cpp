@@ -54,6 +54,13 @@ bool lookup(const std::map<Key, bool> &map, Key key) {
     auto it = map.find(key);
     return it != map.end() && it->second;
 }
+
+// Each question is counted and answered by its policy.
+template <typename Answer>
+Answer answer(int &asked, Answer policy) {
+    ++asked;
+    return policy;
+}
 }  // namespace
 
 bool ScriptedScanWindow::buttonEnabled(SessionButton b) const { return lookup(buttons, b); }
@@ -149,32 +156,11 @@ void ScriptedScanWindow::processEvents() {
     if (onProcessEvents) onProcessEvents(pumps - 1);
 }
 
-NoScannerAnswer ScriptedScanWindow::askNoScanner() {
-    ++noScannerAsked;
-    return noScannerAnswer;
-}
-
-AutofeedAnswer ScriptedScanWindow::askAutofeedError() {
-    ++misfeedAsked;
-    return misfeedAnswer;
-}
-
+NoScannerAnswer ScriptedScanWindow::askNoScanner() { return answer(noScannerAsked, noScannerAnswer); }
+AutofeedAnswer ScriptedScanWindow::askAutofeedError() { return answer(misfeedAsked, misfeedAnswer); }
 RegistrationAnswer ScriptedScanWindow::askRegistrationFailure() {
-    ++registrationAsked;
-    return registrationAnswer;
+    return answer(registrationAsked, registrationAnswer);
 }
-
-bool ScriptedScanWindow::askSaveDrawing(const QString &) {
-    ++saveAsked;
-    return saveAnswer;
-}
-
-bool ScriptedScanWindow::askPencilTest() {
-    ++pencilTestAsked;
-    return pencilTestAnswer;
-}
-
-StopAnswer ScriptedScanWindow::askStop() {
-    ++stopAsked;
-    return stopAnswer;
-}
+bool ScriptedScanWindow::askSaveDrawing(const QString &) { return answer(saveAsked, saveAnswer); }
+bool ScriptedScanWindow::askPencilTest() { return answer(pencilTestAsked, pencilTestAnswer); }
+StopAnswer ScriptedScanWindow::askStop() { return answer(stopAsked, stopAnswer); }

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs the station's main job on the
-# embedded sample: the scanners that the sample Scan.conf gives this machine.
+# embedded sample: a sample Scan.conf for this machine with the test scanner,
+# and a headless scan of a sample list of twelve drawings.
 set -euo pipefail
 cd "$(dirname "$0")"
 scripts/install-deps.sh
@@ -16,5 +17,12 @@ if [ ! -f "$etc/Scan.conf" ]; then
 fi
 export SCAN_ETC=$etc
 
-echo "== Scanners of $etc/Scan.conf on host '$host' =="
-exec build/bin/scanctl scanners "$etc/Scan.conf"
+# The sample list, scanned from the test scanner on its peg bar.
+scans=${SCAN_SAMPLE_DIR:-${XDG_DATA_HOME:-$HOME/.local/share}/scanstation/sample-scans}
+mkdir -p "$scans"
+echo "== Scanning drawings 1 to 12 with the test scanner of $etc/Scan.conf =="
+status=0
+build/bin/scanctl scan --conf "$etc/Scan.conf" --scanner "Test Scanner" --depth colour --dpi 300 --field 12 \
+  --feed pegged-many --scaninfo-files --path "$scans" --prefix sample --list "1:12" >/dev/null || status=$?
+echo "The scan files are in $scans; 'build/bin/scanctl info $scans/sample-1.tif' shows one."
+exit $status

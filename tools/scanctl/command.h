@@ -18,3 +18,4 @@ std::span<const ScanctlCommand> scanctl_commands();
 
 int run_scanners_command(const QStringList &args);
 int run_info_command(const QStringList &args);
+int run_scan_command(const QStringList &args);

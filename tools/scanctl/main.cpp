@@ -7,11 +7,16 @@
 #include "tools/scanctl/command.h"
 
 std::span<const ScanctlCommand> scanctl_commands() {
-    static const std::array<ScanctlCommand, 2> commands = {{
+    static const std::array<ScanctlCommand, 3> commands = {{
         {"scanners", "[--host NAME] [--all-hosts] [FILE]",
          "read a Scan.conf as the station does and show what each scanner can do", run_scanners_command},
         {"info", "FILE...", "read scan files as the station loads them and show size, pixels, format and scan information",
          run_info_command},
+        {"scan",
+         "[--conf FILE] [--scanner NAME] [--depth D] [--dpi N] [--field F] [--peg SIDE] [--feed MODE] "
+         "[--optical|--no-optical] [--flip] [--scaninfo-files] [--path DIR] [--prefix P] --list LIST "
+         "[--on-misfeed A] [--on-register-failure A]",
+         "scan a list of drawings as the station does, without a window", run_scan_command},
     }};
     return commands;
 }

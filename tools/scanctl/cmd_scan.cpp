@@ -1,0 +1,197 @@
+// scanctl scan: a session without a window. The settings are chosen as the
+// operator would choose them in the menus, the list is built as the manual
+// list dialog builds it, and Scan is pressed until the list is done.
+#include <QDir>
+#include <QFileInfo>
+
+#include <cstdio>
+
+#include "scan/scanner_list.h"
+#include "suite/base/osw_util.h"
+#include "tools/scanctl/command.h"
+#include "tools/scanctl/scan_arguments.h"
+#include "workflow/config.h"
+#include "workflow/drawing_list.h"
+#include "workflow/manual_list_syntax.h"
+#include "workflow/scan_procs.h"
+#include "workflow/scripted_window.h"
+
+namespace {
+
+void say(const QString &text) {
+    std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+    std::fflush(stderr);
+}
+
+// The scripted window, telling on standard error what it was asked and how
+// the policy answered.
+class CommandLineWindow : public ScriptedScanWindow {
+public:
+    AutofeedAnswer askAutofeedError() override {
+        const AutofeedAnswer a = ScriptedScanWindow::askAutofeedError();
+        say(QStringLiteral("Autofeed Error: Drawing misfed or not found. -> %1")
+                .arg(a == AutofeedAnswer::Retry ? "Retry" : "Stop Scanning"));
+        return a;
+    }
+    RegistrationAnswer askRegistrationFailure() override {
+        const RegistrationAnswer a = ScriptedScanWindow::askRegistrationFailure();
+        const char *word = a == RegistrationAnswer::Retry         ? "Retry"
+                           : a == RegistrationAnswer::SkipDrawing ? "Skip Drawing"
+                                                                  : "Stop Scanning";
+        say(QStringLiteral("Optical Registration Failed: Unable to optically register this drawing. -> %1").arg(word));
+        return a;
+    }
+};
+
+int usage_error(const QString &text) {
+    std::fprintf(stderr, "scanctl scan: %s\n\n%s", text.toLocal8Bit().constData(), kScanUsage);
+    return 1;
+}
+
+// The scanner the words name, as the scanner menu would select it.
+bool choose_scanner(ScanConfig *config, const QString &name, QString &error) {
+    if (name.isEmpty()) return true;  // the session selected the first already
+    QString wanted = name;
+    wanted.replace(QLatin1Char(' '), QLatin1Char('_')).replace(QLatin1Char('\t'), QLatin1Char('_'));
+    int32_t index = -1;
+    find_by_name_of_ScannerList(scanner_list_of_ScanConfig(config), wanted, &index);
+    if (index < 0) {
+        error = QStringLiteral("no scanner named '%1' on this station").arg(name);
+        return false;
+    }
+    select_scanner_of_ScanConfig(config, index);
+    return true;
+}
+
+// Depth, resolution, field, peg side and feed, each checked against what the
+// scanner offers, as the menus would only offer it.
+bool apply_settings(ScanConfig *config, const ScanArguments &a, QString &error) {
+    ScanDeviceInfo *dev = device_of_ScannerEntry(scanner_of_ScanConfig(config));
+    const QString scanner = scanner_name_of_ScanConfig(config);
+    if (a.depth) {
+        if (!supported_of_ScanDeviceInfo(dev, *a.depth)) {
+            error = QStringLiteral("scanner '%1' does not scan at that depth").arg(scanner);
+            return false;
+        }
+        set_depth_of_ScanConfig(config, *a.depth);
+        // Selected again so that the parameters and the feed follow the depth.
+        int32_t index = -1;
+        find_by_name_of_ScannerList(scanner_list_of_ScanConfig(config), name_of_ScannerEntry(scanner_of_ScanConfig(config)),
+                                    &index);
+        select_scanner_of_ScanConfig(config, index);
+    }
+    if (a.dpi) {
+        if (!resolution_step_of_ScanDeviceInfo(dev, resolution_step_index(*a.dpi))) {
+            error = QStringLiteral("scanner '%1' does not offer %2 dpi").arg(scanner).arg(*a.dpi);
+            return false;
+        }
+        set_dpi_of_ScanConfig(config, static_cast<uint32_t>(*a.dpi));
+    }
+    if (a.field) set_field_of_ScanConfig(config, *a.field);
+    if (a.peg) set_peg_side_of_ScanConfig(config, *a.peg);
+    if (a.feed) {
+        if (*a.feed == FEED_PAGE) {
+            error = QStringLiteral("the page feed is for TWAIN sources; '%1' is not one").arg(scanner);
+            return false;
+        }
+        const bool autofeed = *a.feed == FEED_AUTOFEED || *a.feed == FEED_AUTOFEED_ONE;
+        if (autofeed && !feeder_of_ScanDeviceInfo(dev, depth_of_ScanConfig(config))) {
+            error = QStringLiteral("scanner '%1' has no feeder at this depth").arg(scanner);
+            return false;
+        }
+        set_feed_of_ScanConfig(config, *a.feed);
+    }
+    if (a.optical) set_optical_of_ScanConfig(config, *a.optical);
+    set_flip_of_ScanConfig(config, a.flip);
+    set_create_scaninfo_of_ScanConfig(config, a.scaninfoFiles);
+    refresh_of_ScanConfig(config);
+    return true;
+}
+
+// The names as the manual list dialog takes them: each once, in order.
+bool list_names(const QString &text, QStringList &names, QString &error) {
+    const ManualListParse parsed = parse_manual_list(text);
+    if (!parsed.ok) {
+        error = parsed.error;
+        return false;
+    }
+    for (const QString &name : parsed.names)
+        if (!name.isEmpty() && !names.contains(name)) names << name;
+    if (names.isEmpty()) error = QStringLiteral("the list holds no drawing");
+    return !names.isEmpty();
+}
+
+// Presses Scan until the list is done: once for the modes that run to the end
+// of the list, once per drawing for the others. A pan cel pass is saved as the
+// Save button would.
+void press_scan_until_done(ScanConfig *config) {
+    DrawingList *list = drawing_list_of_ScanConfig(config);
+    const int32_t rows = count_of_DrawingList(list);
+    for (;;) {
+        const int32_t row = current_row_of_DrawingList(list);
+        set_trial_of_ScanConfig(config, false);
+        ScanDrawingList(config);
+        if (pancel_of_ScanConfig(config) && can_save_of_ScanConfig(config) && !finish_of_ScanConfig(config))
+            SaveScan(config);
+        if (!one_drawing_of_ScanConfig(config) || finish_of_ScanConfig(config)) return;
+        if (state_of_DrawingList(list, row) == ROW_NONE) return;  // stopped on this row
+        if (row + 1 >= rows) return;
+    }
+}
+
+int summary(ScanConfig *config, const QString &folder) {
+    const DrawingList *list = drawing_list_of_ScanConfig(config);
+    int scanned = 0, skipped = 0;
+    for (int32_t row = 0; row < count_of_DrawingList(list); ++row) {
+        scanned += state_of_DrawingList(list, row) == ROW_SCANNED;
+        skipped += state_of_DrawingList(list, row) == ROW_NOT_SCANNED;
+    }
+    const int total = count_of_DrawingList(list);
+    say(QStringLiteral("Scanned %1 of %2 drawings into %3 (%4 not scanned, %5 not reached).")
+            .arg(scanned)
+            .arg(total)
+            .arg(QDir::toNativeSeparators(QFileInfo(folder).absoluteFilePath()))
+            .arg(skipped)
+            .arg(total - scanned - skipped));
+    return scanned == total ? 0 : 2;
+}
+
+}  // namespace
+
+int run_scan_command(const QStringList &args) {
+    QString error;
+    const std::optional<ScanArguments> a = parse_scan_arguments(args, error);
+    if (!a) return usage_error(error);
+    if (a->help) {
+        std::fputs(kScanUsage, stdout);
+        return 0;
+    }
+    if (!QFileInfo(a->path).isDir()) return usage_error(QStringLiteral("Path \"%1\" does not exist.").arg(a->path));
+    QStringList names;
+    if (!list_names(a->list, names, error)) return usage_error(error);
+
+    CommandLineWindow window;
+    window.misfeedAnswer = a->onMisfeed;
+    window.registrationAnswer = a->onRegisterFailure;
+    window.manualPath = a->path;
+    window.manualPrefix = a->prefix;
+    window.list.onRowText = [](int, const QString &text) { say(text); };
+
+    const QString conf =
+        a->conf.isEmpty() ? oswRemapPath::RemapPath2(oswUtil::LMVEtc() + QStringLiteral("/Scan.conf")) : a->conf;
+    ScanConfig *config = ScanConfigCreate(conf, &window);
+    if (!config) return 1;
+    struct Destroy {
+        ScanConfig *config;
+        ~Destroy() { ScanConfigDestroy(config); }
+    } destroy{config};
+    if (scanner_count_of_ScanConfig(config) == 0)
+        return usage_error(QStringLiteral("%1 gives this station no scanner").arg(conf));
+    if (!choose_scanner(config, a->scanner, error) || !apply_settings(config, *a, error)) return usage_error(error);
+
+    build_manual_list(config, names);
+    say(QStringLiteral("Scanning %1 drawings with %2: %3").arg(names.size()).arg(scanner_name_of_ScanConfig(config),
+                                                                               summary_of_ScanConfig(config)));
+    press_scan_until_done(config);
+    return summary(config, a->path);
+}

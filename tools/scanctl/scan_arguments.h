@@ -1,0 +1,32 @@
+#pragma once
+// The words of `scanctl scan`, read and checked before any scanner is touched.
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+#include "workflow/scan_window.h"
+
+struct ScanArguments {
+    QString conf;     // empty: the station's own Scan.conf
+    QString scanner;  // empty: the first scanner
+    std::optional<int> depth;    // ScanDepth
+    std::optional<int> dpi;
+    std::optional<double> field;
+    std::optional<int> peg;      // PegSide
+    std::optional<int> feed;     // FeedEntry
+    std::optional<bool> optical;
+    bool flip = false;
+    bool scaninfoFiles = false;
+    QString path = QStringLiteral(".");
+    QString prefix;
+    QString list;
+    AutofeedAnswer onMisfeed = AutofeedAnswer::StopScanning;
+    RegistrationAnswer onRegisterFailure = RegistrationAnswer::StopScanning;
+    bool help = false;
+};
+
+// The arguments, or nothing with `error` saying what is wrong.
+std::optional<ScanArguments> parse_scan_arguments(const QStringList &args, QString &error);
+
+extern const char *const kScanUsage;

@@ -1,5 +1,7 @@
 #include "workflow/scripted_window.h"
 
+#include "workflow/selection_menus.h"
+
 #include <QCoreApplication>
 
 #include <algorithm>
@@ -55,13 +57,17 @@ bool lookup(const std::map<Key, bool> &map, Key key) {
     return it != map.end() && it->second;
 }
 
-// Each question is counted and answered by its policy.
+}  // namespace
+
+ScriptedScanWindow::ScriptedScanWindow() { add_fixed_menu_entries(this); }
+
+// Each question is counted, lets the script act, and is answered by its policy.
 template <typename Answer>
-Answer answer(int &asked, Answer policy) {
+Answer ScriptedScanWindow::answer(int &asked, Answer policy) {
     ++asked;
+    if (onQuestion) onQuestion();
     return policy;
 }
-}  // namespace
 
 bool ScriptedScanWindow::buttonEnabled(SessionButton b) const { return lookup(buttons, b); }
 bool ScriptedScanWindow::actionEnabled(SessionAction a) const { return lookup(actions, a); }
@@ -148,7 +154,10 @@ bool ScriptedScanWindow::pancelFits(Drawing *) { return true; }
 bool ScriptedScanWindow::stitchPancel(QString &) { return true; }
 
 void ScriptedScanWindow::setWaitCursor() { ++waitCursors; }
-void ScriptedScanWindow::restoreCursor() { --waitCursors; }
+// Like the application's cursor stack, a restore with nothing set does nothing.
+void ScriptedScanWindow::restoreCursor() {
+    if (waitCursors > 0) --waitCursors;
+}
 
 void ScriptedScanWindow::processEvents() {
     if (QCoreApplication::instance()) QCoreApplication::processEvents();

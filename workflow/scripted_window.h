@@ -34,6 +34,9 @@ private:
 
 class ScriptedScanWindow : public ScanWindow {
 public:
+    // Starts with the entries that the station window fills once.
+    ScriptedScanWindow();
+
     struct MenuEntry {
         QString text;
         int id = 0;
@@ -55,6 +58,9 @@ public:
 
     // Runs at each pump of the event loop with the number of earlier pumps.
     std::function<void(int pump)> onProcessEvents;
+    // Runs while a question is open, before the policy answers: the operator
+    // may act meanwhile (load the feeder, say).
+    std::function<void()> onQuestion;
 
     // What the manual list dialog would hold.
     QString manualPath;
@@ -131,4 +137,8 @@ public:
     bool askSaveDrawing(const QString &text) override;
     bool askPencilTest() override;
     StopAnswer askStop() override;
+
+private:
+    template <typename Answer>
+    Answer answer(int &asked, Answer policy);
 };

@@ -1,0 +1,193 @@
+// The session record: what a new session selects, how scanner, depth and feed
+// choices follow the scanner's capabilities, and what the window is told.
+#include "session_fixture.h"
+
+#include "scan/scanner_list.h"
+
+namespace {
+
+using Feed = SelectionButton;
+
+class ConfigTest : public SessionTest {
+protected:
+    // A colour feeder first, then a flatbed that has no feeder at any depth.
+    ScanConfig *startTwo() {
+        return start(block("Colour", "Bogus-Color") + block("Flat", "Epson_836XL", {}, "/dev/null"));
+    }
+};
+
+TEST_F(ConfigTest, NewSessionSelectsTheFirstScannerWithItsDefaults) {
+    ScanConfig *c = startTwo();
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(scanner_kind_of_ScanConfig(c), SCANNER_SCSI);
+    EXPECT_EQ(scanner_name_of_ScanConfig(c), "Colour");
+    EXPECT_EQ(depth_of_ScanConfig(c), DEPTH_COLOUR);
+    EXPECT_EQ(dpi_of_ScanConfig(c), uint32_t(defaultResolution_of_ScannerEntry(scanner_of_ScanConfig(c))));
+    EXPECT_TRUE(autofeed_of_ScanConfig(c) && optical_of_ScanConfig(c));
+    EXPECT_FALSE(one_drawing_of_ScanConfig(c));
+    EXPECT_EQ(window_.marked(Feed::Feed), FEED_AUTOFEED);
+    EXPECT_EQ(window_.marked(Feed::Scanner), 0);
+    EXPECT_TRUE(window_.boxChecked(SessionCheckBox::OpticalRegistration));
+    EXPECT_TRUE(window_.overviewShown);
+    EXPECT_EQ(window_.title, "Scan: Untitled");
+    // No list yet: nothing to scan.
+    EXPECT_FALSE(window_.buttonEnabled(SessionButton::Scan));
+    EXPECT_FALSE(window_.buttonEnabled(SessionButton::Preview));
+    // Bogus-Color has no 240 dpi step.
+    EXPECT_FALSE(window_.entryEnabled(Feed::Dpi, 4));
+    EXPECT_TRUE(window_.entryEnabled(Feed::Dpi, 5));
+    EXPECT_EQ(window_.noScannerAsked, 0);
+}
+
+TEST_F(ConfigTest, NoScannerQuestionDecidesWhetherTheSessionStarts) {
+    window_.noScannerAnswer = NoScannerAnswer::ExitScanProgram;
+    EXPECT_EQ(start(block("Elsewhere", "Bogus-Color").replace(6, host_.size(), "otherhost")), nullptr);
+    EXPECT_EQ(window_.noScannerAsked, 1);
+
+    window_.noScannerAnswer = NoScannerAnswer::Continue;
+    ScanConfig *c = start("");
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(scanner_kind_of_ScanConfig(c), SCANNER_NONE);
+    EXPECT_EQ(scanner_name_of_ScanConfig(c), "Unknown scanner");
+    list({"1"});
+    EXPECT_FALSE(window_.buttonEnabled(SessionButton::Scan));
+}
+
+TEST_F(ConfigTest, ScannerWithoutFeederAtTheDepthSelectsPegged) {
+    ScanConfig *c = startTwo();
+    select_scanner_of_ScanConfig(c, 1);
+    EXPECT_FALSE(autofeed_of_ScanConfig(c));
+    EXPECT_FALSE(optical_of_ScanConfig(c));
+    EXPECT_TRUE(one_drawing_of_ScanConfig(c));
+    EXPECT_EQ(window_.marked(Feed::Feed), FEED_PEGGED);
+    EXPECT_FALSE(window_.entryEnabled(Feed::Feed, FEED_AUTOFEED));
+    EXPECT_FALSE(window_.entryEnabled(Feed::Feed, FEED_AUTOFEED_ONE));
+    EXPECT_FALSE(window_.boxChecked(SessionCheckBox::OpticalRegistration));
+
+    // And back: the feeder scanner brings autofeed and optical back.
+    select_scanner_of_ScanConfig(c, 0);
+    EXPECT_TRUE(autofeed_of_ScanConfig(c));
+    EXPECT_EQ(window_.marked(Feed::Feed), FEED_AUTOFEED);
+}
+
+TEST_F(ConfigTest, SelectingTheSelectedScannerAgainKeepsTheSettings) {
+    ScanConfig *c = startTwo();
+    set_dpi_of_ScanConfig(c, 600);
+    set_peg_side_of_ScanConfig(c, PEG_TOP);
+    set_feed_of_ScanConfig(c, FEED_PEGGED_MANY);
+    select_scanner_of_ScanConfig(c, 0);
+    EXPECT_EQ(dpi_of_ScanConfig(c), 600u);
+    EXPECT_EQ(peg_side_of_ScanConfig(c), PEG_TOP);
+    EXPECT_FALSE(autofeed_of_ScanConfig(c));
+    EXPECT_EQ(window_.marked(Feed::Dpi), 7);
+    EXPECT_EQ(window_.marked(Feed::Peg), PEG_TOP);
+}
+
+TEST_F(ConfigTest, FeedEntriesWriteTheirFlagsAndBadFlagsAreRepaired) {
+    ScanConfig *c = startTwo();
+    struct Row {
+        int entry;
+        bool autofeed, one, pancel;
+    };
+    for (const Row &r : {Row{FEED_AUTOFEED_ONE, true, true, false}, Row{FEED_PEGGED, false, true, false},
+                         Row{FEED_PEGGED_MANY, false, false, false}, Row{FEED_PANCEL, false, true, true},
+                         Row{FEED_AUTOFEED, true, false, false}}) {
+        set_feed_of_ScanConfig(c, r.entry);
+        EXPECT_EQ(autofeed_of_ScanConfig(c), r.autofeed) << r.entry;
+        EXPECT_EQ(optical_of_ScanConfig(c), r.autofeed) << r.entry;
+        EXPECT_EQ(one_drawing_of_ScanConfig(c), r.one) << r.entry;
+        EXPECT_EQ(pancel_of_ScanConfig(c), r.pancel) << r.entry;
+        EXPECT_EQ(window_.marked(Feed::Feed), r.entry);
+    }
+    // Autofeed in pan cel mode has no entry: an assertion, then Pegged.
+    c->pancel = true;
+    capture_.clear();
+    refresh_feed_of_ScanConfig(c);
+    EXPECT_FALSE(capture_.lines().empty());
+    EXPECT_FALSE(autofeed_of_ScanConfig(c) || optical_of_ScanConfig(c) || pancel_of_ScanConfig(c));
+    EXPECT_TRUE(one_drawing_of_ScanConfig(c));
+    EXPECT_EQ(window_.marked(Feed::Feed), FEED_PEGGED);
+}
+
+TEST_F(ConfigTest, PanCelEndsWhenTheNewScannerFeeds) {
+    ScanConfig *c = startTwo();
+    select_scanner_of_ScanConfig(c, 1);
+    set_feed_of_ScanConfig(c, FEED_PANCEL);
+    ASSERT_TRUE(pancel_of_ScanConfig(c));
+    const int rebuilds = window_.pancelRebuilds;
+    select_scanner_of_ScanConfig(c, 0);
+    EXPECT_FALSE(pancel_of_ScanConfig(c));
+    EXPECT_GT(window_.pancelRebuilds, rebuilds);
+}
+
+TEST_F(ConfigTest, DepthMenuFollowsTheModel) {
+    ScanConfig *c = start(block("Mono", "Bogus-B&W"));
+    EXPECT_TRUE(window_.entryEnabled(Feed::Colour, DEPTH_BW));
+    EXPECT_TRUE(window_.entryEnabled(Feed::Colour, DEPTH_GREY));
+    EXPECT_FALSE(window_.entryEnabled(Feed::Colour, DEPTH_COLOUR));
+    EXPECT_EQ(window_.marked(Feed::Colour), DEPTH_BW);
+    EXPECT_EQ(window_.shownParameters, &device_of_ScannerEntry(scanner_of_ScanConfig(c))->bw_parameters);
+}
+
+TEST_F(ConfigTest, InterfaceStatesEnableTheirControls) {
+    ScanConfig *c = startTwo();
+    list({"1", "2"});
+    EXPECT_TRUE(window_.buttonEnabled(SessionButton::Scan));
+    EXPECT_TRUE(window_.buttonEnabled(SessionButton::Preview));
+    EXPECT_FALSE(window_.buttonEnabled(SessionButton::Save));
+
+    set_stop_of_ScanConfig(c, true);
+    SetInterfaceState(c, INTERFACE_SCANNING);
+    EXPECT_FALSE(stop_of_ScanConfig(c)) << "leaving idle clears a stop pressed before";
+    EXPECT_FALSE(window_.buttonEnabled(SessionButton::Scan) || window_.buttonEnabled(SessionButton::Stop));
+    EXPECT_FALSE(window_.menuBarEnabled || window_.selectionButtonsEnabled);
+
+    SetInterfaceState(c, INTERFACE_PREVIEW_DONE);
+    EXPECT_TRUE(window_.buttonEnabled(SessionButton::Preview) && window_.buttonEnabled(SessionButton::Save));
+    EXPECT_FALSE(window_.menuBarEnabled);
+
+    SetInterfaceState(c, INTERFACE_IDLE);
+    EXPECT_TRUE(window_.menuBarEnabled && window_.selectionButtonsEnabled);
+    EXPECT_EQ(interface_state_of_ScanConfig(c), INTERFACE_IDLE);
+}
+
+TEST_F(ConfigTest, SummaryNamesDepthResolutionFieldPegAndModes) {
+    ScanConfig *c = startTwo();
+    set_dpi_of_ScanConfig(c, 300);
+    EXPECT_EQ(summary_of_ScanConfig(c), "Colour, 300dpi, 12.0F, bottom, O/R");
+    select_scanner_of_ScanConfig(c, 1);
+    set_depth_of_ScanConfig(c, DEPTH_BW);
+    set_field_of_ScanConfig(c, 16.0);
+    set_peg_side_of_ScanConfig(c, PEG_LEFT);
+    set_feed_of_ScanConfig(c, FEED_PANCEL);
+    set_dpi_of_ScanConfig(c, 150);
+    EXPECT_EQ(summary_of_ScanConfig(c), "B&W, 150dpi, 16.0F, left, pancel");
+}
+
+TEST_F(ConfigTest, PencilTestNeedsTheOperatorsYes) {
+    ScanConfig *c = startTwo();
+    window_.pencilTestAnswer = false;
+    window_.boxesChecked[SessionCheckBox::PencilTest] = true;
+    set_pencil_test_of_ScanConfig(c, true);
+    EXPECT_FALSE(pencil_test_of_ScanConfig(c));
+    EXPECT_FALSE(window_.boxChecked(SessionCheckBox::PencilTest));
+    window_.pencilTestAnswer = true;
+    set_pencil_test_of_ScanConfig(c, true);
+    EXPECT_TRUE(pencil_test_of_ScanConfig(c));
+    set_pencil_test_of_ScanConfig(c, false);
+    EXPECT_EQ(window_.pencilTestAsked, 2);
+}
+
+TEST_F(ConfigTest, ForbiddenOpticalDisablesTheBoxOutsideVectorizingElements) {
+    ScanConfig *c = startTwo();
+    window_.boxesEnabled[SessionCheckBox::OpticalRegistration] = true;
+    refresh_feed_of_ScanConfig(c);
+    EXPECT_TRUE(window_.boxEnabled(SessionCheckBox::OpticalRegistration)) << "left as it stands";
+    EXPECT_FALSE(window_.boxEnabled(SessionCheckBox::PencilTest));
+    qputenv("LMV_FORBID_OPTICAL", "1");
+    refresh_feed_of_ScanConfig(c);
+    qunsetenv("LMV_FORBID_OPTICAL");
+    EXPECT_FALSE(window_.boxEnabled(SessionCheckBox::OpticalRegistration));
+}
+
+}  // namespace

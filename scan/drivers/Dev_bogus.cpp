@@ -37,6 +37,8 @@ ScanStatus internal_error() { return scan_status(SCSI_GOOD, STATUS_INTERNAL_ERRO
 
 bool colour_model(const ScanDeviceInfo *dev) { return dev->model == QLatin1String("Bogus-Color"); }
 
+bool known_depth(int32_t depth) { return depth == DEPTH_BW || depth == DEPTH_GREY || depth == DEPTH_COLOUR; }
+
 const char *depth_name(int32_t depth) {
     switch (depth) {
     case DEPTH_BW: return "B&W";
@@ -67,7 +69,7 @@ QImage image_of_file(const QString &path) {
 }
 
 struct Picture {
-    QImage image;  // always 32 bits a pixel, or null
+    QImage image;  // null when there is nothing to scan
     bool from_file = false;
 };
 
@@ -83,7 +85,6 @@ Picture picture_of_scan(const ScanDeviceInfo *dev, const Drawing *drawing, doubl
     if (!picture.from_file)
         picture.image = make_field_chart(paper_size_of_Drawing(drawing), dpi_of_Drawing(drawing), fed || registered,
                                          x_calibration, y_calibration);
-    if (!picture.image.isNull()) picture.image = picture.image.convertToFormat(QImage::Format_RGB32);
     return picture;
 }
 
@@ -208,8 +209,7 @@ ScanStatus bogus_set_window(ScanDeviceInfo *dev, Drawing *drawing) {
 ScanStatus bogus_read(ScanDeviceInfo *dev, Drawing *drawing) {
     LMV_ASSERT_RET(dev != nullptr && drawing != nullptr, internal_error());
     const int32_t depth = scan_depth_of_Drawing(drawing);
-    if (depth != DEPTH_BW && depth != DEPTH_GREY && depth != DEPTH_COLOUR) return internal_error();
-    const bool colour = colour_model(dev);
+    if (!known_depth(depth)) return internal_error();
 
     double x_calibration = 1.0, y_calibration = 1.0;
     if (depth == DEPTH_BW) {
@@ -220,7 +220,34 @@ ScanStatus bogus_read(ScanDeviceInfo *dev, Drawing *drawing) {
         }
     }
     const Picture picture = picture_of_scan(dev, drawing, x_calibration, y_calibration);
-    const QImage &image = picture.image;
+    return deliver_Dev_bogus_image(dev, drawing, picture.image, picture.from_file);
+}
+
+}  // namespace
+
+void install_Dev_bogus_ops(ScanDeviceInfo *dev) {
+    LMV_ASSERT_VOID(dev != nullptr);
+    // Nothing to open: reserved stays false, and release has nothing to undo.
+    // The slots not named keep their fresh do-nothing operations.
+    dev->ops = ScannerOps{
+        .reserve = bogus_reserve,
+        .ready = nop_of_ScanDeviceInfo,
+        .inquire = nop_of_ScanDeviceInfo,
+        .setup1 = bogus_setup1,
+        .set_window = bogus_set_window,
+        .autoload = bogus_autoload,
+        .read = bogus_read,
+        .release = nop_of_ScanDeviceInfo,
+    };
+}
+
+ScanStatus deliver_Dev_bogus_image(ScanDeviceInfo *dev, Drawing *drawing, const QImage &picture, bool from_file) {
+    LMV_ASSERT_RET(dev != nullptr && drawing != nullptr, internal_error());
+    const int32_t depth = scan_depth_of_Drawing(drawing);
+    if (!known_depth(depth)) return internal_error();
+    const bool colour = colour_model(dev);
+    // The scan data is taken from 32 bits a pixel whatever the picture holds.
+    const QImage image = picture.isNull() ? QImage() : picture.convertToFormat(QImage::Format_RGB32);
     if (depth == DEPTH_COLOUR && image.depth() == 0) return internal_error();
     const int width = image.width();
     const int height = image.height();
@@ -231,7 +258,7 @@ ScanStatus bogus_read(ScanDeviceInfo *dev, Drawing *drawing) {
     else if (depth == DEPTH_GREY)
         data = grey_data(image);
     else
-        data = colour_data(image, !picture.from_file);
+        data = colour_data(image, !from_file);
 
     LMV_pixmap *pixmap = create_pixmap(depth == DEPTH_COLOUR ? PIXMAP_RGBA8 : PIXMAP_MATTE8, width, height);
     set_pixmap_of_Drawing(drawing, pixmap);
@@ -261,20 +288,3 @@ ScanStatus bogus_read(ScanDeviceInfo *dev, Drawing *drawing) {
     return success();
 }
 
-}  // namespace
-
-void install_Dev_bogus_ops(ScanDeviceInfo *dev) {
-    LMV_ASSERT_VOID(dev != nullptr);
-    // Nothing to open: reserved stays false, and release has nothing to undo.
-    // The slots not named keep their fresh do-nothing operations.
-    dev->ops = ScannerOps{
-        .reserve = bogus_reserve,
-        .ready = nop_of_ScanDeviceInfo,
-        .inquire = nop_of_ScanDeviceInfo,
-        .setup1 = bogus_setup1,
-        .set_window = bogus_set_window,
-        .autoload = bogus_autoload,
-        .read = bogus_read,
-        .release = nop_of_ScanDeviceInfo,
-    };
-}

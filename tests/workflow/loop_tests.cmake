@@ -1,1 +1,4 @@
 # Tests of the workflow library: loop.
+scan_add_test(workflow_scanctl_tests SOURCES ${CMAKE_CURRENT_LIST_DIR}/test_scanctl_scan.cpp LIBS suite_base Qt6::Core)
+target_compile_definitions(workflow_scanctl_tests PRIVATE SCANCTL_PATH="$<TARGET_FILE:scanctl>")
+add_dependencies(workflow_scanctl_tests scanctl)

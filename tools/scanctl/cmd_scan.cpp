@@ -24,23 +24,42 @@ void say(const QString &text) {
 }
 
 // The scripted window, telling on standard error what it was asked and how
-// the policy answered.
+// the policy answered. Nobody is at the station to load the feeder or to
+// straighten a sheet, so a retry policy gives up after a few tries on a row.
 class CommandLineWindow : public ScriptedScanWindow {
 public:
+    static constexpr int kMaxTries = 5;
+
     AutofeedAnswer askAutofeedError() override {
-        const AutofeedAnswer a = ScriptedScanWindow::askAutofeedError();
+        AutofeedAnswer a = ScriptedScanWindow::askAutofeedError();
+        if (a == AutofeedAnswer::Retry && !tryAgain()) a = AutofeedAnswer::StopScanning;
         say(QStringLiteral("Autofeed Error: Drawing misfed or not found. -> %1")
                 .arg(a == AutofeedAnswer::Retry ? "Retry" : "Stop Scanning"));
         return a;
     }
     RegistrationAnswer askRegistrationFailure() override {
-        const RegistrationAnswer a = ScriptedScanWindow::askRegistrationFailure();
+        RegistrationAnswer a = ScriptedScanWindow::askRegistrationFailure();
+        if (a == RegistrationAnswer::Retry && !tryAgain()) a = RegistrationAnswer::StopScanning;
         const char *word = a == RegistrationAnswer::Retry         ? "Retry"
                            : a == RegistrationAnswer::SkipDrawing ? "Skip Drawing"
                                                                   : "Stop Scanning";
         say(QStringLiteral("Optical Registration Failed: Unable to optically register this drawing. -> %1").arg(word));
         return a;
     }
+
+private:
+    bool tryAgain() {
+        const int row = list.currentRow();
+        if (row != row_) {
+            row_ = row;
+            tries_ = 0;
+        }
+        if (++tries_ <= kMaxTries) return true;
+        say(QStringLiteral("Giving up on this drawing after %1 tries.").arg(kMaxTries));
+        return false;
+    }
+    int row_ = -1;
+    int tries_ = 0;
 };
 
 int usage_error(const QString &text) {

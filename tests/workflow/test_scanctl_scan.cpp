@@ -1,0 +1,97 @@
+// Runs the built scanctl scan on the test scanner and reads its files back
+// with scanctl info.
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include "suite/base/osw_util.h"
+#include "support/run_program.h"
+
+namespace {
+
+class ScanctlScan : public ::testing::Test {
+protected:
+    void SetUp() override {
+        QString host;
+        ASSERT_TRUE(oswUtil::getShortMachineName(host));
+        conf_ = dir_.filePath(QStringLiteral("Scan.conf"));
+        QFile f(conf_);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        for (const char *block : {"name: Test\ndevice: fieldchart\nmodel: Bogus-Color\n",
+                                  "name: Flat Bed\ndevice: /dev/null\nmodel: Epson_836XL\n"})
+            f.write("host: " + host.toUtf8() + "\n" + block);
+        ASSERT_TRUE(QDir(dir_.path()).mkdir(QStringLiteral("scans")));
+        scans_ = dir_.filePath(QStringLiteral("scans"));
+    }
+
+    ProcessResult scanctl(const QStringList &args, int timeoutMs = 30000) {
+        return run_program(QStringLiteral(SCANCTL_PATH), args, dir_.path(), timeoutMs);
+    }
+    // A scan of `list` with the words given and the conf, folder and prefix.
+    ProcessResult scan(const QStringList &words, const QString &list, int timeoutMs = 30000) {
+        return scanctl(QStringList{"scan", "--conf", conf_, "--path", scans_, "--prefix", "S", "--list", list} + words,
+                       timeoutMs);
+    }
+    QStringList files() const { return QDir(scans_).entryList(QDir::Files, QDir::Name); }
+
+    QTemporaryDir dir_;
+    QString conf_, scans_;
+};
+
+TEST_F(ScanctlScan, TwelveColourDrawingsAt300DpiReadBackWithTheirScanInformation) {
+    const ProcessResult r = scan({"--scanner", "Test", "--depth", "colour", "--dpi", "300", "--field", "12",
+                                  "--feed", "pegged-many", "--peg", "top", "--scaninfo-files"},
+                                 "1:12", 240000);
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains("\n12 (Scanned) Colour, 300dpi, 12.0F, top\n"));
+    EXPECT_TRUE(r.err.contains(QStringLiteral("Scanned 12 of 12 drawings into %1").arg(scans_)));
+    EXPECT_EQ(files().size(), 24);
+
+    QStringList paths;
+    for (int i = 1; i <= 12; ++i) paths << QStringLiteral("%1/S-%2.tif").arg(scans_).arg(i);
+    const ProcessResult info = scanctl(QStringList{"info"} + paths);
+    ASSERT_EQ(info.status, 0) << info.err.toStdString();
+    EXPECT_EQ(info.out.count("    dpi:               300\n"), 12);
+    EXPECT_EQ(info.out.count("    scanner name:      Test\n"), 12);
+    EXPECT_EQ(info.out.count("    peg side:          top\n"), 12);
+    EXPECT_EQ(info.out.count("    pegged:            yes\n"), 12);
+    EXPECT_EQ(info.out.count("  pixels:  RGBA8\n"), 12);
+}
+
+TEST_F(ScanctlScan, WordsTheScannerCannotFollowAreUsageErrors) {
+    const QList<QStringList> wrong = {
+        {"--depth", "sepia"},
+        {"--scanner", "Nobody"},
+        {"--dpi", "240"},                              // Bogus-Color has no 240 dpi step
+        {"--scanner", "Flat Bed", "--feed", "autofeed"},  // no feeder
+        {"--feed", "page"},                            // TWAIN sources only
+        {"--on-misfeed", "maybe"},
+    };
+    for (const QStringList &words : wrong) {
+        const ProcessResult r = scan(words, "1");
+        EXPECT_EQ(r.status, 1) << words.join(' ').toStdString();
+        EXPECT_TRUE(r.err.contains("usage: scanctl scan")) << words.join(' ').toStdString();
+    }
+    EXPECT_EQ(scanctl({"scan", "--conf", conf_, "--path", scans_}).status, 1) << "no list";
+    EXPECT_EQ(scan({}, "a:3").status, 1);
+    EXPECT_EQ(scanctl({"scan", "--conf", conf_, "--path", dir_.filePath("missing"), "--list", "1"}).status, 1);
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(ScanctlScan, AnEmptyFeederEndsTheListEarly) {
+    QFile count(dir_.filePath(QStringLiteral("ADF_COUNT_FILE")));
+    ASSERT_TRUE(count.open(QIODevice::WriteOnly));
+    count.write("1\n");
+    count.close();
+    for (const char *policy : {"stop", "retry"}) {
+        const ProcessResult r =
+            scan({"--dpi", "72", "--feed", "autofeed", "--no-optical", "--on-misfeed", policy}, "1:3");
+        EXPECT_EQ(r.status, 2) << policy;
+        EXPECT_TRUE(r.err.contains("Autofeed Error: Drawing misfed or not found. -> Stop Scanning")) << policy;
+    }
+    EXPECT_EQ(files(), QStringList{"S-1.tif"});
+}
+
+}  // namespace

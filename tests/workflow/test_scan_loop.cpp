@@ -8,6 +8,7 @@
 #include "scan/pixmap_pixmap.h"
 #include "scan/scanner_list.h"
 #include "scan/vector_scaninfo.h"
+#include "workflow/dbinfo.h"
 #include "workflow/scan_procs.h"
 
 namespace {
@@ -210,6 +211,26 @@ TEST_F(LoopTest, MechanicalRegistrationPlacesThePegsBySide) {
         EXPECT_FLOAT_EQ(si->rotation_center_y, float(expected[side][1])) << side;
         EXPECT_EQ(si->rotation_angle, 0.0f);
     }
+}
+
+TEST_F(LoopTest, AnImageFromOutsideTakesTheSameRoadToItsFile) {
+    ScanConfig *c = startColour({"1", "2"});
+    EXPECT_EQ(addScanToDrawing(c, create_pixmap(PIXMAP_MATTE8, 144, 72), DEPTH_GREY, true), SCAN_DONE);
+    Drawing *d = drawing_of_ScanConfig(c);
+    ASSERT_NE(d, nullptr);
+    EXPECT_EQ(file_format_of_Drawing(d), 2) << "the image's depth chooses the file";
+    EXPECT_EQ(scan_depth_of_Drawing(d), DEPTH_COLOUR) << "the session's depth is recorded";
+    EXPECT_DOUBLE_EQ(window_xres_inches_of_Drawing(d), 2.0);
+    EXPECT_EQ(threshold_of_Drawing(d), -1);
+    EXPECT_TRUE(exists("T-1.tif"));
+    EXPECT_EQ(rowText(0), "1 (Scanned) " + summary72());
+
+    // An element this station cannot scan refuses every depth.
+    c->database = true;
+    c->binding->scan_type = SCANTYPE_NEVER;
+    for (int depth : {DEPTH_BW, DEPTH_GREY, DEPTH_COLOUR})
+        EXPECT_EQ(addScanToDrawing(c, create_pixmap(PIXMAP_RGBA8, 8, 8), depth, true), SCAN_WRONG_COLOUR_MODE);
+    EXPECT_EQ(drawing_of_ScanConfig(c), d);
 }
 
 }  // namespace

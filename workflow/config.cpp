@@ -21,14 +21,6 @@ QString tr(const char *text) { return QCoreApplication::translate("kqScan", text
 
 ScanWindow *window(const ScanConfig *config) { return config ? config->main_interface : nullptr; }
 
-const char *depth_name(int32_t depth) {
-    switch (depth) {
-    case DEPTH_BW: return "B&W";
-    case DEPTH_GREY: return "Grey";
-    case DEPTH_COLOUR: return "Colour";
-    default: return "";
-    }
-}
 
 int32_t scsi_count(const ScanConfig *config) { return count_of_ScannerList(config->scanner_list.get()); }
 
@@ -470,10 +462,19 @@ bool colour_capable_of_ScanConfig(const ScanConfig *config) {
 
 // ---- texts --------------------------------------------------------------------------
 
+const char *depth_name_of_ScanConfig(int32_t depth) {
+    switch (depth) {
+    case DEPTH_BW: return "B&W";
+    case DEPTH_GREY: return "Grey";
+    case DEPTH_COLOUR: return "Colour";
+    default: return "";
+    }
+}
+
 QString summary_of_ScanConfig(const ScanConfig *config) {
     LMV_ASSERT_RET(config != nullptr, QString());
     const int32_t depth = config->drawing ? scan_depth_of_Drawing(config->drawing) : config->depth;
-    return QString::asprintf("%s, %ddpi, %.1fF, %s%s%s", depth_name(depth), static_cast<int>(config->dpi),
+    return QString::asprintf("%s, %ddpi, %.1fF, %s%s%s", depth_name_of_ScanConfig(depth), static_cast<int>(config->dpi),
                              config->field, peg_side_name(config->peg_side), config->optical ? ", O/R" : "",
                              config->pancel ? ", pancel" : "");
 }

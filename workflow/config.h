@@ -172,6 +172,8 @@ double y_calibration_of_ScanConfig(const ScanConfig *config);
 bool colour_capable_of_ScanConfig(const ScanConfig *config);
 
 // Texts.
+// "B&W", "Grey" or "Colour"; "" for another depth.
+const char *depth_name_of_ScanConfig(int32_t depth);
 QString summary_of_ScanConfig(const ScanConfig *config);
 QString scanner_text_of_ScanConfig(const ScanConfig *config);
 QString scanner_name_of_ScanConfig(const ScanConfig *config);

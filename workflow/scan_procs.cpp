@@ -20,14 +20,6 @@ namespace {
 
 QString tr(const char *text) { return QCoreApplication::translate("kqScan", text); }
 
-const char *depth_name(int32_t depth) {
-    switch (depth) {
-    case DEPTH_BW: return "B&W";
-    case DEPTH_GREY: return "Grey";
-    case DEPTH_COLOUR: return "Colour";
-    default: return "";
-    }
-}
 
 // The Drawing of the current row, with the session's settings; the caller
 // owns it.
@@ -217,7 +209,7 @@ int32_t ScanOneDrawing(ScanConfig *config) {
     copy_parameters_to_Drawing(parameters, d);
     LMV_trace("OPTIONS %s <%s>, %s:%d, %d dpi, %.1f field, OP:%d, pegSide:%d pancelMode:%d\n",
               qPrintable(name_of_ScannerEntry(config->scanner)), qPrintable(model_of_ScannerEntry(config->scanner)),
-              depth_name(config->depth), config->depth, static_cast<int>(config->dpi), config->field,
+              depth_name_of_ScanConfig(config->depth), config->depth, static_cast<int>(config->dpi), config->field,
               config->optical ? 1 : 0, config->peg_side, config->pancel ? 1 : 0);
 
     DeviceSequence sequence(config, dev, d);
@@ -378,7 +370,7 @@ int32_t addScanToDrawing(ScanConfig *config, LMV_pixmap *pixmap, int32_t depth, 
     set_gamma_of_Drawing(d, -1.0f);
     set_speed_of_Drawing(d, -1);
     set_pixmap_of_Drawing(d, pixmap);
-    LMV_trace("OPTIONS %s:%d, %d dpi, %.1f field, OP:%d, pegSide:%d pancelMode:%d\n", depth_name(config->depth),
+    LMV_trace("OPTIONS %s:%d, %d dpi, %.1f field, OP:%d, pegSide:%d pancelMode:%d\n", depth_name_of_ScanConfig(config->depth),
               config->depth, static_cast<int>(config->dpi), config->field, config->optical ? 1 : 0, config->peg_side,
               config->pancel ? 1 : 0);
     if (config->flip) flip_Drawing(d);

@@ -21,7 +21,6 @@ QString tr(const char *text) { return QCoreApplication::translate("kqScan", text
 
 ScanWindow *window(const ScanConfig *config) { return config ? config->main_interface : nullptr; }
 
-
 int32_t scsi_count(const ScanConfig *config) { return count_of_ScannerList(config->scanner_list.get()); }
 
 // The menu index of the selected scanner, -1 without one.

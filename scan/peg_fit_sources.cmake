@@ -1,0 +1,1 @@
+# Sources of the peg fit: candidates, decision, optical registration.

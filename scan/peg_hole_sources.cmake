@@ -1,0 +1,1 @@
+# Sources of the peg hole search: mask, contours, centroids.

@@ -1,0 +1,1 @@
+# Tests of the peg fit and optical registration.

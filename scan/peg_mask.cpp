@@ -1,0 +1,290 @@
+#include "scan/peg_mask.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace {
+
+constexpr int kMaxRadius = 15;
+
+// Inclusive pixel limits of a box: floor of the start, ceil of the end,
+// clamped to the picture. Empty when first > last.
+struct Limits {
+    int x0 = 0, x1 = -1, y0 = 0, y1 = -1;
+    bool hasRow(int y) const { return y >= y0 && y <= y1 && x0 <= x1; }
+};
+
+Limits limits_of(const Math::Box2d &box, int width, int height) {
+    Limits l;
+    auto clampTo = [](double v, int lo, int hi) {
+        // Doubles far outside the picture would overflow an int cast.
+        return static_cast<int>(std::clamp(v, static_cast<double>(lo), static_cast<double>(hi)));
+    };
+    l.x0 = clampTo(std::floor(box.x0), 0, width);
+    l.x1 = clampTo(std::ceil(box.x1), -1, width - 1);
+    l.y0 = clampTo(std::floor(box.y0), 0, height);
+    l.y1 = clampTo(std::ceil(box.y1), -1, height - 1);
+    return l;
+}
+
+// The first three distinct grey values in the order the pixels are met.
+class DistinctValues {
+public:
+    bool full() const { return count_ >= 3; }
+    int count() const { return count_; }
+
+    void note(const uint8_t *p, int n) {
+        int i = 0;
+        while (i < n && !full()) {
+            i += skipSeen(p + i, n - i);
+            if (i < n) {
+                values_[count_++] = p[i];
+                ++i;
+            }
+        }
+    }
+
+private:
+    bool seen(uint8_t v) const {
+        for (int k = 0; k < count_; ++k)
+            if (values_[k] == v) return true;
+        return false;
+    }
+    // Index of the first pixel of p[0..n) whose value isn't seen yet, or n.
+    int skipSeen(const uint8_t *p, int n) const {
+        int i = 0;
+        if (count_ == 0) return 0;
+#if defined(__SSE2__)
+        const __m128i a = _mm_set1_epi8(static_cast<char>(values_[0]));
+        const __m128i b = _mm_set1_epi8(static_cast<char>(count_ > 1 ? values_[1] : values_[0]));
+        for (; i + 16 <= n; i += 16) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + i));
+            const unsigned same = static_cast<unsigned>(
+                _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, a), _mm_cmpeq_epi8(v, b))));
+            if (same != 0xffffu) return i + __builtin_ctz(~same);
+        }
+#endif
+        for (; i < n; ++i)
+            if (!seen(p[i])) return i;
+        return n;
+    }
+
+    std::array<uint8_t, 3> values_{};
+    int count_ = 0;
+};
+
+// Stamps discs of radius r into the mask a source row at a time: the bright
+// pixels of a row become a bit row, which is widened once per distinct half
+// width of the disc and ORed into the rows the disc covers.
+class DiscStamp {
+public:
+    DiscStamp(int width, int radius) : width_(width), radius_(radius), words_((width + 63) / 64) {
+        for (int dy = -radius; dy <= radius; ++dy) {
+            int s = 0;
+            while ((s + 1) * (s + 1) + dy * dy <= radius * radius) ++s;
+            halfWidth_[dy + radius] = s;
+        }
+        hits_.assign(static_cast<size_t>(words_), 0);
+        widened_.assign(static_cast<size_t>(radius + 1), std::vector<uint64_t>(static_cast<size_t>(words_), 0));
+        bytes_.assign(static_cast<size_t>(radius + 1), std::vector<uint8_t>(static_cast<size_t>(words_) * 8, 0));
+        for (int v = 0; v < 256; ++v) {
+            unsigned r = 0;
+            for (int b = 0; b < 8; ++b)
+                if (v & (1 << b)) r |= 0x80u >> b;
+            reversed_[v] = static_cast<uint8_t>(r);
+        }
+    }
+
+    // Notes the pixels of g[x0..x1] brighter than `threshold`.
+    void collect(const uint8_t *g, int x0, int x1, int threshold) {
+        if (threshold >= 255) return;
+        int x = x0;
+        if (threshold < 0) {
+            for (; x <= x1; ++x) setHit(x);
+            return;
+        }
+#if defined(__SSE2__)
+        // Unsigned comparison through the signed one: flip the top bits.
+        const __m128i bias = _mm_set1_epi8(static_cast<char>(0x80));
+        const __m128i limit = _mm_set1_epi8(static_cast<char>(threshold ^ 0x80));
+        for (; x + 16 <= x1 + 1; x += 16) {
+            const __m128i v = _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i *>(g + x)), bias);
+            const uint64_t m = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpgt_epi8(v, limit)));
+            if (!m) continue;
+            const int w = x >> 6, shift = x & 63;
+            hits_[static_cast<size_t>(w)] |= m << shift;
+            if (shift > 48) hits_[static_cast<size_t>(w) + 1] |= m >> (64 - shift);
+            noteWord(w);
+            noteWord(std::min(w + 1, words_ - 1));
+        }
+#endif
+        for (; x <= x1; ++x)
+            if (g[x] > threshold) setHit(x);
+    }
+
+    // ORs the discs of the collected pixels of row y into the mask and
+    // forgets them.
+    void stampInto(BM_MaskMap &mask, int y) {
+        if (lo_ > hi_) return;
+        // A disc reaches at most 15 pixels, so one word to each side.
+        const int lo = std::max(lo_ - 1, 0), hi = std::min(hi_ + 1, words_ - 1);
+        const size_t n = static_cast<size_t>(hi - lo + 1);
+        std::copy_n(hits_.begin() + lo, n, widened_[0].begin() + lo);
+        for (int s = 1; s <= radius_; ++s) widen(widened_[static_cast<size_t>(s - 1)], widened_[static_cast<size_t>(s)], lo, hi);
+        const uint64_t tail = (width_ & 63) ? (uint64_t{1} << (width_ & 63)) - 1 : ~uint64_t{0};
+        const int rowBytes = (width_ + 7) / 8;
+        const int b0 = lo * 8, b1 = std::min((hi + 1) * 8, rowBytes);
+        for (int s = 0; s <= radius_; ++s) {
+            std::vector<uint64_t> &words = widened_[static_cast<size_t>(s)];
+            // Cells that fall right of the picture are dropped.
+            words[static_cast<size_t>(words_ - 1)] &= tail;
+            toMaskBytes(words, bytes_[static_cast<size_t>(s)], lo, hi);
+        }
+        for (int dy = -radius_; dy <= radius_; ++dy) {
+            const int ty = y + dy;
+            if (ty < 0 || ty >= mask.height()) continue;
+            const uint8_t *src = bytes_[static_cast<size_t>(halfWidth_[dy + radius_])].data();
+            uint8_t *dst = mask.row(ty);
+            for (int b = b0; b < b1; ++b) dst[b] |= src[b];
+        }
+        std::fill(hits_.begin() + lo, hits_.begin() + hi + 1, 0);
+        lo_ = words_;
+        hi_ = -1;
+    }
+
+private:
+    void setHit(int x) {
+        hits_[static_cast<size_t>(x >> 6)] |= uint64_t{1} << (x & 63);
+        noteWord(x >> 6);
+    }
+    void noteWord(int w) {
+        lo_ = std::min(lo_, w);
+        hi_ = std::max(hi_, w);
+    }
+    // Pixel x is bit (x & 63) of word x / 64 here; widening by one pixel is a
+    // shift each way with the carry from the neighbouring word.
+    static void widen(const std::vector<uint64_t> &in, std::vector<uint64_t> &out, int lo, int hi) {
+        for (int w = lo; w <= hi; ++w) {
+            const uint64_t cur = in[static_cast<size_t>(w)];
+            const uint64_t prev = w > lo ? in[static_cast<size_t>(w - 1)] : 0;
+            const uint64_t next = w < hi ? in[static_cast<size_t>(w + 1)] : 0;
+            out[static_cast<size_t>(w)] = cur | (cur << 1) | (prev >> 63) | (cur >> 1) | (next << 63);
+        }
+    }
+    // Mask rows put x = 0 in bit 7 of the first byte.
+    void toMaskBytes(const std::vector<uint64_t> &words, std::vector<uint8_t> &bytes, int lo, int hi) const {
+        for (int w = lo; w <= hi; ++w) {
+            const uint64_t v = words[static_cast<size_t>(w)];
+            uint8_t *out = bytes.data() + static_cast<size_t>(w) * 8;
+            for (int j = 0; j < 8; ++j) out[j] = reversed_[(v >> (8 * j)) & 0xff];
+        }
+    }
+
+    int width_, radius_, words_;
+    std::array<int, 2 * kMaxRadius + 1> halfWidth_{};
+    std::array<uint8_t, 256> reversed_{};
+    std::vector<uint64_t> hits_;
+    std::vector<std::vector<uint64_t>> widened_;  // by half width 0..radius
+    std::vector<std::vector<uint8_t>> bytes_;     // the same in mask byte order
+    int lo_ = 1 << 30, hi_ = -1;                  // words holding hits
+};
+
+// Peels k layers off the mask: a set pixel keeps its bit only when it lies
+// deeper than k steps (left, right, up, down) from a clear pixel; row 0 and
+// column 0 count as clear.
+void thin_mask(BM_MaskMap &mask, int k) {
+    const int w = mask.width(), h = mask.height();
+    const uint8_t inner = static_cast<uint8_t>(k + 1);
+    std::vector<uint8_t> label(static_cast<size_t>(w) * static_cast<size_t>(h), 0);
+    auto at = [&](int x, int y) -> uint8_t & { return label[static_cast<size_t>(y) * static_cast<size_t>(w) + static_cast<size_t>(x)]; };
+    for (int y = 1; y < h; ++y)
+        for (int x = 1; x < w; ++x)
+            if (mask.get(x, y)) at(x, y) = inner;
+    for (int i = 0; i < k; ++i) {
+        const uint8_t layer = static_cast<uint8_t>(i), next = static_cast<uint8_t>(i + 1);
+        for (int y = 1; y < h; ++y) {
+            for (int x = 1; x < w; ++x) {
+                uint8_t &p = at(x, y);
+                uint8_t &left = at(x - 1, y);
+                uint8_t &up = at(x, y - 1);
+                if (p == inner) {
+                    if (left == layer || up == layer) p = next;
+                } else if (p == layer) {
+                    if (left == inner) left = next;
+                    if (up == inner) up = next;
+                }
+            }
+        }
+    }
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) mask.set(x, y, at(x, y) == inner ? 1u : 0u);
+}
+
+}  // namespace
+
+bool build_peg_mask(BM_GreyMap &grey, BM_MaskMap &mask, int threshold, const Math::Box2d &search,
+                    const Math::Box2d &exclusion, int r1, int r2, bool keep) {
+    const int width = grey.width(), height = grey.height();
+    if (mask.width() != width || mask.height() != height)
+        mask.allocate(width, height);
+    else
+        mask.clear();
+
+    r1 = std::clamp(r1, 0, kMaxRadius);
+    r2 = std::clamp(r2, 0, kMaxRadius);
+    const int r = std::max(r1, r2);
+
+    const Limits box = limits_of(search, width, height);
+    Limits excluded;  // empty
+    if (!exclusion.isEmpty()) excluded = limits_of(exclusion, width, height);
+
+    DistinctValues values;
+    DiscStamp stamp(width, r);
+    for (int y = 0; y < height; ++y) {
+        uint8_t *g = grey.row(y);
+        if (!box.hasRow(y)) {
+            std::memset(g, 0, static_cast<size_t>(width));
+            continue;
+        }
+        std::memset(g, 0, static_cast<size_t>(box.x0));
+        std::memset(g + box.x1 + 1, 0, static_cast<size_t>(width - box.x1 - 1));
+
+        // The part of the row that is looked at: one span, or two around
+        // the exclusion box.
+        std::array<int, 4> spans{box.x0, box.x1, 1, 0};
+        if (excluded.hasRow(y) && excluded.x0 <= box.x1 && excluded.x1 >= box.x0) {
+            const int e0 = std::max(excluded.x0, box.x0), e1 = std::min(excluded.x1, box.x1);
+            std::memset(g + e0, 0, static_cast<size_t>(e1 - e0 + 1));
+            spans = {box.x0, e0 - 1, e1 + 1, box.x1};
+        }
+        for (int s = 0; s < 4; s += 2) {
+            const int a = spans[static_cast<size_t>(s)], b = spans[static_cast<size_t>(s) + 1];
+            if (a > b) continue;
+            if (!values.full()) values.note(g + a, b - a + 1);
+            stamp.collect(g, a, b, threshold);
+        }
+        stamp.stampInto(mask, y);
+    }
+    const bool fewValues = values.count() < 3;
+
+    int k = r - r2;
+    if (k == 0 && !keep) return fewValues;
+    if (k == 0) k = 1;
+    if (r >= 2 && r2 <= r - 2 && !keep) {
+        for (int y = 0; y < height; ++y) {
+            uint8_t *g = grey.row(y);
+            for (int x = 0; x < width; ++x)
+                if (!mask.get(x, y)) g[x] = 0;
+        }
+    }
+    thin_mask(mask, k);
+    return fewValues;
+}

@@ -1,0 +1,368 @@
+// The peg hole search's pixel work: the stamped mask, the boundary polygons
+// and the grey-weighted centroid.
+#include <cmath>
+#include <random>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "scan/contour_tracer.h"
+#include "scan/peg_mask.h"
+#include "scan/refine_dot.h"
+
+namespace {
+
+Math::Box2d box(double x0, double y0, double x1, double y1) { return {x0, y0, x1, y1}; }
+const Math::Box2d kNoBox;
+
+std::vector<GR_BezierPath2d> trace(BM_MaskMap &mask) {
+    ContourTracer tracer;
+    tracer.mask = &mask;
+    std::vector<GR_BezierPath2d> out;
+    trace_contours(tracer, out);
+    return out;
+}
+
+int count_set(const BM_MaskMap &mask) {
+    int n = 0;
+    for (int y = 0; y < mask.height(); ++y)
+        for (int x = 0; x < mask.width(); ++x) n += static_cast<int>(mask.get(x, y));
+    return n;
+}
+
+// Components by flood fill: set pixels joined through all 8 neighbours, or
+// clear pixels joined through 4; clear ones touching the border are left out.
+int count_components(const BM_MaskMap &mask, unsigned value) {
+    const int w = mask.width(), h = mask.height();
+    std::vector<int> seen(static_cast<size_t>(w * h), 0);
+    int count = 0;
+    for (int sy = 0; sy < h; ++sy) {
+        for (int sx = 0; sx < w; ++sx) {
+            if (mask.get(sx, sy) != value || seen[static_cast<size_t>(sy * w + sx)]) continue;
+            bool border = false;
+            std::vector<std::pair<int, int>> stack{{sx, sy}};
+            seen[static_cast<size_t>(sy * w + sx)] = 1;
+            while (!stack.empty()) {
+                auto [x, y] = stack.back();
+                stack.pop_back();
+                border = border || x == 0 || y == 0 || x == w - 1 || y == h - 1;
+                for (int dy = -1; dy <= 1; ++dy) {
+                    for (int dx = -1; dx <= 1; ++dx) {
+                        if (value == 0 && dx != 0 && dy != 0) continue;
+                        const int nx = x + dx, ny = y + dy;
+                        if (nx < 0 || ny < 0 || nx >= w || ny >= h) continue;
+                        if (mask.get(nx, ny) != value || seen[static_cast<size_t>(ny * w + nx)]) continue;
+                        seen[static_cast<size_t>(ny * w + nx)] = 1;
+                        stack.push_back({nx, ny});
+                    }
+                }
+            }
+            if (value == 1 || !border) ++count;
+        }
+    }
+    return count;
+}
+
+// Cracks between 4-neighbours of different value.
+int count_cracks(const BM_MaskMap &mask) {
+    int n = 0;
+    for (int y = 0; y < mask.height(); ++y)
+        for (int x = 0; x < mask.width(); ++x) {
+            if (x + 1 < mask.width() && mask.get(x, y) != mask.get(x + 1, y)) ++n;
+            if (y + 1 < mask.height() && mask.get(x, y) != mask.get(x, y + 1)) ++n;
+        }
+    return n;
+}
+
+}  // namespace
+
+TEST(PegMask, StampIsTheDiscOfTheLargerRadius) {
+    for (int r = 0; r <= 4; ++r) {
+        SCOPED_TRACE(r);
+        BM_GreyMap grey(15, 15);
+        grey.set(7, 7, 200);
+        BM_MaskMap mask;
+        build_peg_mask(grey, mask, 100, box(0, 0, 15, 15), kNoBox, r, r, false);
+        for (int y = 0; y < 15; ++y)
+            for (int x = 0; x < 15; ++x) {
+                const int dx = x - 7, dy = y - 7;
+                EXPECT_EQ(mask.get(x, y), dx * dx + dy * dy <= r * r ? 1u : 0u) << x << "," << y;
+            }
+        if (r == 2) {
+            EXPECT_EQ(count_set(mask), 13);
+        }
+    }
+}
+
+// The row-wise stamp against a stamp done cell by cell, on pictures whose
+// bright pixels straddle word boundaries and picture edges.
+TEST(PegMask, MatchesACellByCellStamp) {
+    std::mt19937 rng(7);
+    for (int round = 0; round < 12; ++round) {
+        const int w = 60 + static_cast<int>(rng() % 150), h = 20 + static_cast<int>(rng() % 20);
+        const int r = static_cast<int>(rng() % 6);
+        const int threshold = 200 + static_cast<int>(rng() % 40);
+        BM_GreyMap grey(w, h);
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) grey.set(x, y, rng() % 256);
+        const BM_GreyMap original = grey;
+        const Math::Box2d search = box(rng() % 10 - 3.5, rng() % 5 + 0.25, w - 20.0 + rng() % 30 + 0.5, h - rng() % 8 - 0.5);
+        const Math::Box2d excluded = box(20.5, 4, 40, 9.5);
+        BM_MaskMap mask;
+        build_peg_mask(grey, mask, threshold, search, excluded, r, r, false);
+
+        const int x0 = std::max(0, static_cast<int>(std::floor(search.x0)));
+        const int x1 = std::min(w - 1, static_cast<int>(std::ceil(search.x1)));
+        const int y0 = std::max(0, static_cast<int>(std::floor(search.y0)));
+        const int y1 = std::min(h - 1, static_cast<int>(std::ceil(search.y1)));
+        BM_MaskMap expected(w, h);
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                const bool inside = x >= x0 && x <= x1 && y >= y0 && y <= y1 && !(x >= 20 && x <= 40 && y >= 4 && y <= 10);
+                ASSERT_EQ(grey.get(x, y), inside ? original.get(x, y) : 0u) << x << "," << y;
+                if (!inside || static_cast<int>(original.get(x, y)) <= threshold) continue;
+                for (int dy = -r; dy <= r; ++dy)
+                    for (int dx = -r; dx <= r; ++dx)
+                        if (dx * dx + dy * dy <= r * r && x + dx >= 0 && x + dx < w && y + dy >= 0 && y + dy < h)
+                            expected.set(x + dx, y + dy, 1);
+            }
+        for (int y = 0; y < h; ++y)
+            ASSERT_EQ(std::vector<uint8_t>(mask.row(y), mask.row(y) + mask.bytesPerRow()),
+                      std::vector<uint8_t>(expected.row(y), expected.row(y) + expected.bytesPerRow()))
+                << "round " << round << " row " << y;
+    }
+}
+
+TEST(PegMask, LimitsAreInclusiveFloorAndCeil) {
+    BM_GreyMap grey(10, 8);
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 10; ++x) grey.set(x, y, 150);
+    BM_MaskMap mask;
+    build_peg_mask(grey, mask, 100, box(2.5, 1.2, 5.2, 3.0), kNoBox, 0, 0, false);
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 10; ++x) {
+            const bool inside = x >= 2 && x <= 6 && y >= 1 && y <= 3;
+            EXPECT_EQ(mask.get(x, y), inside ? 1u : 0u) << x << "," << y;
+            EXPECT_EQ(grey.get(x, y), inside ? 150u : 0u) << x << "," << y;
+        }
+
+    // A box that misses the picture wipes it all.
+    build_peg_mask(grey, mask, 100, box(20, 0, 30, 8), kNoBox, 2, 2, false);
+    EXPECT_EQ(count_set(mask), 0);
+    EXPECT_EQ(grey.get(3, 2), 0u);
+}
+
+TEST(PegMask, ReportsFewerThanThreeValuesInTheBox) {
+    BM_GreyMap grey(20, 6);
+    for (int x = 0; x < 20; ++x) grey.set(x, 2, x % 2 ? 255 : 0);
+    BM_MaskMap mask;
+    BM_GreyMap two = grey;
+    two.set(0, 5, 77);  // outside the box: not looked at
+    EXPECT_TRUE(build_peg_mask(two, mask, 128, box(0, 0, 19, 3), kNoBox, 2, 2, false));
+    BM_GreyMap three = grey;
+    three.set(19, 3, 77);  // the box's last row and column still count
+    EXPECT_FALSE(build_peg_mask(three, mask, 128, box(0, 0, 18.5, 2.5), kNoBox, 2, 2, false));
+    BM_GreyMap excluded = three;
+    EXPECT_TRUE(build_peg_mask(excluded, mask, 128, box(0, 0, 19, 3), box(18, 3, 19, 3), 2, 2, false));
+    EXPECT_EQ(excluded.get(19, 3), 0u);
+}
+
+TEST(PegMask, ThinningPeelsLayersFromTheTopLeft) {
+    // Everything bright: the stamp covers the picture, and two layers go
+    // from row 0 and column 0 on; the right and bottom edges stay.
+    BM_GreyMap grey(12, 10);
+    for (int y = 0; y < 10; ++y)
+        for (int x = 0; x < 12; ++x) grey.set(x, y, 250);
+    BM_MaskMap mask;
+    build_peg_mask(grey, mask, 100, box(0, 0, 12, 10), kNoBox, 3, 1, true);
+    for (int y = 0; y < 10; ++y)
+        for (int x = 0; x < 12; ++x) EXPECT_EQ(mask.get(x, y), x >= 3 && y >= 3 ? 1u : 0u) << x << "," << y;
+    EXPECT_EQ(grey.get(0, 0), 250u);  // `keep` leaves the grey alone
+
+    // One pixel stamps a disc of radius 4 (49 cells); three layers leave
+    // the pixels four steps from any clear one: a plus of five. The grey
+    // outside the disc is cleared.
+    BM_GreyMap dot(21, 21);
+    dot.set(10, 10, 250);
+    dot.set(1, 1, 50);
+    build_peg_mask(dot, mask, 100, box(0, 0, 21, 21), kNoBox, 4, 1, false);
+    std::set<std::pair<int, int>> kept;
+    for (int y = 0; y < 21; ++y)
+        for (int x = 0; x < 21; ++x)
+            if (mask.get(x, y)) kept.insert({x, y});
+    EXPECT_EQ(kept, (std::set<std::pair<int, int>>{{10, 9}, {9, 10}, {10, 10}, {11, 10}, {10, 11}}));
+    EXPECT_EQ(dot.get(1, 1), 0u);
+    EXPECT_EQ(dot.get(10, 10), 250u);
+
+    // With k = 0 and `keep`, one layer goes.
+    BM_GreyMap square(8, 8);
+    for (int y = 2; y < 6; ++y)
+        for (int x = 2; x < 6; ++x) square.set(x, y, 250);
+    build_peg_mask(square, mask, 100, box(0, 0, 8, 8), kNoBox, 0, 0, true);
+    EXPECT_EQ(count_set(mask), 4);
+    EXPECT_EQ(mask.get(3, 3) + mask.get(4, 4), 2u);
+}
+
+TEST(ContourTracer, OnePixelIsADiamondOfCrackMidpoints) {
+    BM_MaskMap mask(12, 12);
+    mask.set(5, 5, 1);
+    const auto paths = trace(mask);
+    ASSERT_EQ(paths.size(), 1u);
+    const std::vector<Math::Point2d> expected{{5.5, 6}, {5, 5.5}, {5.5, 5}, {6, 5.5}, {5.5, 6}};
+    EXPECT_EQ(paths[0].points(), expected);
+    EXPECT_DOUBLE_EQ(std::abs(paths[0].signedArea()), 0.5);
+}
+
+TEST(ContourTracer, RegionsHolesAndCorners) {
+    // Pixels touching at a corner, both ways round: one region each.
+    for (bool falling : {true, false}) {
+        BM_MaskMap mask(12, 12);
+        mask.set(4, falling ? 4 : 5, 1);
+        mask.set(5, falling ? 5 : 4, 1);
+        const auto paths = trace(mask);
+        ASSERT_EQ(paths.size(), 1u) << falling;
+        EXPECT_EQ(paths[0].pointCount(), 9);
+    }
+
+    // A ring: the region's boundary and the island's, each closed. The scan
+    // meets the island's upper crack first.
+    BM_MaskMap ring(12, 12);
+    for (int y = 3; y < 6; ++y)
+        for (int x = 3; x < 6; ++x) ring.set(x, y, x != 4 || y != 4);
+    auto paths = trace(ring);
+    ASSERT_EQ(paths.size(), 2u);
+    EXPECT_EQ(paths[0].pointCount(), 5);
+    EXPECT_DOUBLE_EQ(std::abs(paths[0].signedArea()), 0.5);
+    EXPECT_EQ(paths[1].pointCount(), 13);
+    EXPECT_DOUBLE_EQ(std::abs(paths[1].signedArea()), 8.5);
+    for (const auto &p : paths) EXPECT_EQ(p.point(0), p.lastPoint());
+
+    // A ring of four pixels touching at corners around a one-pixel island,
+    // whose top pixel starts a byte after an empty byte: the scan meets the
+    // island first, and the two boundaries must stay apart.
+    BM_MaskMap diamond(24, 12);
+    diamond.set(8, 4, 1);
+    diamond.set(7, 5, 1);
+    diamond.set(9, 5, 1);
+    diamond.set(8, 6, 1);
+    paths = trace(diamond);
+    ASSERT_EQ(paths.size(), 2u);
+    EXPECT_EQ(paths[0].pointCount() + paths[1].pointCount(), 12 + 1 + 4 + 1);
+}
+
+TEST(ContourTracer, FrameOfTwoPixelsIsCleared) {
+    BM_MaskMap mask(16, 16);
+    mask.set(1, 8, 1);
+    mask.set(14, 8, 1);
+    mask.set(8, 0, 1);
+    mask.set(8, 15, 1);
+    EXPECT_TRUE(trace(mask).empty());
+    EXPECT_EQ(count_set(mask), 0);
+
+    mask.set(2, 2, 1);
+    mask.set(13, 13, 1);
+    EXPECT_EQ(trace(mask).size(), 2u);
+}
+
+TEST(ContourTracer, FilledDiscLosesHalfAPixel) {
+    // Crack midpoints cut each convex corner by 1/8 and add 1/8 at each
+    // concave one; a simple region has four more convex corners.
+    BM_MaskMap mask(64, 64);
+    int pixels = 0;
+    for (int y = 0; y < 64; ++y)
+        for (int x = 0; x < 64; ++x)
+            if ((x - 31) * (x - 31) + (y - 30) * (y - 30) <= 20 * 20) {
+                mask.set(x, y, 1);
+                ++pixels;
+            }
+    const auto paths = trace(mask);
+    ASSERT_EQ(paths.size(), 1u);
+    EXPECT_DOUBLE_EQ(std::abs(paths[0].signedArea()), pixels - 0.5);
+    const Math::Box2d bounds = paths[0].boundingBox();
+    EXPECT_DOUBLE_EQ(bounds.x0, 11.0);
+    EXPECT_DOUBLE_EQ(bounds.x1, 52.0);
+    EXPECT_DOUBLE_EQ(bounds.y0, 10.0);
+    EXPECT_DOUBLE_EQ(bounds.y1, 51.0);
+}
+
+// Every crack walked once, one polygon per boundary, on random blobs.
+TEST(ContourTracer, RandomBlobsGiveEveryBoundaryOnce) {
+    std::mt19937 rng(11);
+    ContourTracer reused;  // marks kept between pictures of one size
+    for (int round = 0; round < 40; ++round) {
+        const int w = 40 + static_cast<int>(rng() % 60), h = 20 + static_cast<int>(rng() % 30);
+        const unsigned density = 20 + rng() % 60;
+        BM_MaskMap mask(w, h);
+        for (int y = 2; y < h - 2; ++y)
+            for (int x = 2; x < w - 2; ++x) mask.set(x, y, rng() % 100 < density);
+        const BM_MaskMap copy = mask;
+
+        std::vector<GR_BezierPath2d> paths;
+        if (reused.marks.width() != w || reused.marks.height() != h) reused.marks.allocate(w, h);
+        reused.mask = &mask;
+        trace_contours(reused, paths);
+
+        ASSERT_EQ(paths.size(), static_cast<size_t>(count_components(copy, 1) + count_components(copy, 0)))
+            << "round " << round;
+        std::set<std::pair<double, double>> cracks;
+        size_t walked = 0;
+        for (const auto &path : paths) {
+            ASSERT_EQ(path.point(0), path.lastPoint());
+            for (int i = 0; i + 1 < path.pointCount(); ++i) {
+                const double step = path.point(i).GetDistance(path.point(i + 1));
+                ASSERT_TRUE(step == 1.0 || std::abs(step - std::sqrt(0.5)) < 1e-12) << step;
+                cracks.insert({path.point(i).x, path.point(i).y});
+            }
+            walked += static_cast<size_t>(path.pointCount() - 1);
+        }
+        EXPECT_EQ(walked, cracks.size()) << "a crack walked twice, round " << round;
+        EXPECT_EQ(static_cast<int>(walked), count_cracks(copy)) << "round " << round;
+    }
+}
+
+TEST(ContourTracer, ReusedMarksAfterALowerPicture) {
+    // The first picture leaves marks low down; the second, higher up, must
+    // not see them even though only part of the marks is cleared.
+    BM_MaskMap low(30, 30), high(30, 30);
+    for (int x = 4; x < 20; ++x) low.set(x, 24, 1), low.set(x, 26, 1);
+    for (int y = 3; y < 27; ++y) high.set(10, y, 1), high.set(12, y, 1);
+    ContourTracer tracer;
+    std::vector<GR_BezierPath2d> first, second;
+    tracer.mask = &low;
+    trace_contours(tracer, first);
+    tracer.mask = &high;
+    trace_contours(tracer, second);
+    EXPECT_EQ(first.size(), 2u);
+    ASSERT_EQ(second.size(), 2u);
+    for (const auto &p : second) EXPECT_EQ(p.pointCount(), 24 * 2 + 2 + 1);
+}
+
+TEST(RefineDot, WeighsMaskedPixelsByGreyAtTheirIndices) {
+    BM_GreyMap grey(12, 10);
+    BM_MaskMap mask(12, 10);
+    mask.set(3, 4, 1), grey.set(3, 4, 255);
+    mask.set(6, 4, 1), grey.set(6, 4, 85);
+    grey.set(5, 5, 255);                     // not in the mask
+    mask.set(7, 4, 1), grey.set(7, 4, 255);  // right of the window
+    // Width 3: columns floor(4.5 - 1) = 3 to ceil(4.5 + 1) = 6.
+    Math::Point2d p = refine_dot(mask, grey, {4.5, 4.5}, 3, 3);
+    EXPECT_DOUBLE_EQ(p.x, (3 * 1.0 + 6 * (85 / 255.0)) / (1.0 + 85 / 255.0));
+    EXPECT_DOUBLE_EQ(p.y, 4.0);
+
+    // Clamped at the picture's edge.
+    mask.set(0, 0, 1), grey.set(0, 0, 10);
+    p = refine_dot(mask, grey, {0.5, 0.5}, 8, 8);
+    EXPECT_GT(p.x, 0.0);
+    EXPECT_LT(p.x, 3.0);
+
+    // Outside the picture, or nothing to weigh: unchanged.
+    for (Math::Point2d outside : {Math::Point2d{-0.5, 4}, Math::Point2d{12, 4}, Math::Point2d{4, 10}}) {
+        p = refine_dot(mask, grey, outside, 20, 20);
+        EXPECT_EQ(p, outside);
+    }
+    grey.set(3, 4, 0), grey.set(6, 4, 0);
+    p = refine_dot(mask, grey, {4.5, 4.5}, 3, 3);
+    EXPECT_EQ(p, (Math::Point2d{4.5, 4.5}));
+}

@@ -1,0 +1,381 @@
+// The peg fit: candidates by area, the choice of one peg bar among them, and
+// optical registration of punched pages drawn at 200 dpi.
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QPainter>
+
+#include <cmath>
+#include <cstring>
+#include <numbers>
+#include <vector>
+
+#include "scan/locate_pegs.h"
+#include "scan/optical_registration.h"
+#include "scan/peg_candidates.h"
+
+namespace {
+
+using Math::Point2d;
+
+PegRegistrationOptions options_at_200(int side = 2, int strict = 1) {
+    PegRegistrationOptions o;
+    o.dpi = 200.0;
+    o.side = side;
+    o.strict = strict;
+    return o;
+}
+
+GR_BezierPath2d rectangle(double x, double y, double w, double h) {
+    GR_BezierPath2d path;
+    for (const Point2d &p : {Point2d{x, y}, Point2d{x + w, y}, Point2d{x + w, y + h}, Point2d{x, y + h}, Point2d{x, y}})
+        path.append(p);
+    return path;
+}
+
+GR_BezierPath2d circle(Point2d centre, double radius, int points) {
+    GR_BezierPath2d path;
+    for (int i = 0; i <= points; ++i) {
+        const double t = 2.0 * std::numbers::pi * (i % points) / points;
+        path.append({centre.x + radius * std::cos(t), centre.y + radius * std::sin(t)});
+    }
+    return path;
+}
+
+// Candidates of polygons on an empty mask, where refining leaves each
+// polygon's mean point as it is.
+PegCandidates candidates_of(const std::vector<GR_BezierPath2d> &polygons, const PegRegistrationOptions &o) {
+    const BM_MaskMap mask(400, 400);
+    const BM_GreyMap grey(400, 400);
+    return peg_candidates(polygons, mask, grey, o);
+}
+
+// ---- candidates ----
+
+TEST(PegCandidates, AreaLimitsAt200DpiAreStrictAndUseTheFloat64Factors) {
+    struct Case {
+        double w, h;
+        bool centre, side;
+    };
+    // Centre: 1418.6254.. to 2596.7226..; side: 1806.2499999999995 to
+    // 6612.499999999998, so 1806.25 is a slot and 6612.5 is not.
+    const Case cases[] = {
+        {1.0, 1418.62, false, false}, {1.0, 1418.63, true, false},  {1.0, 1806.24, true, false},
+        {42.5, 42.5, true, true},     {1.0, 2000.0, true, true},    {1.0, 2596.72, true, true},
+        {1.0, 2596.73, false, true},  {50.0, 132.2499, false, true}, {50.0, 132.25, false, false},
+    };
+    for (const Case &c : cases) {
+        const PegCandidates found = candidates_of({rectangle(10, 10, c.w, c.h)}, options_at_200());
+        EXPECT_EQ(found.center.size(), c.centre ? 1u : 0u) << c.w * c.h;
+        EXPECT_EQ(found.side.size(), c.side ? 1u : 0u) << c.w * c.h;
+    }
+}
+
+TEST(PegCandidates, PointIsTheMeanOfAllPointsAndBothAreCalibrated) {
+    PegRegistrationOptions o = options_at_200();
+    o.calibX = 1.25;
+    // 1600 px² is a round hole only; calibrated it is 2000, a slot as well.
+    const GR_BezierPath2d square = rectangle(100, 200, 40, 40);
+    PegCandidates found = candidates_of({square}, options_at_200());
+    EXPECT_EQ(found.side.size(), 0u);
+    found = candidates_of({square}, o);
+    ASSERT_EQ(found.center.size(), 1u);
+    ASSERT_EQ(found.side.size(), 1u);
+    // The closing point counts again: (100+140+140+100+100)/5, (200+200+240+240+200)/5.
+    EXPECT_DOUBLE_EQ(found.center[0].x, 116.0 * 1.25);
+    EXPECT_DOUBLE_EQ(found.center[0].y, 216.0);
+}
+
+TEST(PegCandidates, RefinedPointIsTheGreyWeightedCentroidOfTheMask) {
+    BM_MaskMap mask(400, 400);
+    BM_GreyMap grey(400, 400);
+    // A bright 40 x 40 block with a brighter right half pulls the point right.
+    for (int y = 100; y < 140; ++y)
+        for (int x = 100; x < 140; ++x) {
+            mask.set(x, y, 1);
+            grey.set(x, y, x < 120 ? 100 : 200);
+        }
+    // The polygon (3600 px², a slot) is larger so that its window holds the block.
+    const PegCandidates found = peg_candidates({rectangle(90, 90, 60, 60)}, mask, grey, options_at_200());
+    ASSERT_EQ(found.side.size(), 1u);
+    EXPECT_NEAR(found.side[0].x, (109.5 * 100 + 129.5 * 200) / 300.0, 1e-9);
+    EXPECT_NEAR(found.side[0].y, 119.5, 1e-9);
+}
+
+TEST(PegCandidates, RoundHolesAreFittedCirclesAndNeverSlots) {
+    const GR_BezierPath2d hole = circle({150, 160}, 25.0, 72);
+    PegCircle fit = fit_peg_circle(hole, 2.0, 1.0);
+    EXPECT_NEAR(fit.centre.x, 300.0, 1e-9);
+    EXPECT_NEAR(fit.centre.y, 160.0, 1e-9);
+    fit = fit_peg_circle(hole, 1.0, 1.0);
+    EXPECT_NEAR(fit.radius, 25.0, 1e-9);
+    EXPECT_NEAR(fit.variance, 0.0, 1e-9);
+
+    GR_BezierPath2d two;
+    two.append({5, 5});
+    two.append({9, 9});
+    fit = fit_peg_circle(two, 1.0, 1.0);
+    EXPECT_EQ(fit.centre, (Point2d{0, 0}));
+    EXPECT_EQ(fit.radius, 0.0);
+
+    // π·25² ≈ 1963 is in the slot range too, but round-hole mode has no slots;
+    // the candidate is the circle's centre, not the refined mean.
+    PegRegistrationOptions o = options_at_200();
+    o.centerPegHoles = true;
+    const PegCandidates found = candidates_of({hole, rectangle(0, 0, 10, 10)}, o);
+    ASSERT_EQ(found.center.size(), 1u);
+    EXPECT_TRUE(found.side.empty());
+    EXPECT_NEAR(found.center[0].x, 150.0, 1e-9);
+    EXPECT_NEAR(found.center[0].y, 160.0, 1e-9);
+}
+
+// ---- decision ----
+
+// A bar along the bottom band of a 2000 x 2000 picture at 200 dpi, pitch 8.
+const Math::Box2d kBottomBand{0, 1800, 2000, 2000};
+const Point2d kLeft{200, 1900}, kMiddle{1000, 1900}, kRight{1800, 1900};
+
+bool decide(const PegCandidates &k, const PegRegistrationOptions &o, Point2d out[3],
+            const Math::Box2d &box = kBottomBand) {
+    return decide_pegs(k, box, o, out[0], out[1], out[2]);
+}
+
+TEST(PegDecision, EachSideAcceptsOnlyItsOwnOrderOfEnds) {
+    const Point2d top{1000, 200}, bottom{1000, 1800}, centre{1000, 1000};
+    struct Case {
+        int side;
+        Point2d p, q, c;  // p, q in list order
+        bool fits;
+        Point2d a, b;
+    };
+    const Case cases[] = {
+        {1, kLeft, kRight, kMiddle, true, kRight, kLeft},  {2, kRight, kLeft, kMiddle, true, kLeft, kRight},
+        {3, top, bottom, centre, true, bottom, top},       {4, bottom, top, centre, true, top, bottom},
+        {3, kLeft, kRight, kMiddle, false, {}, {}},        {1, top, bottom, centre, false, {}, {}},
+        {0, kLeft, kRight, kMiddle, false, {}, {}},
+    };
+    for (const Case &c : cases) {
+        Point2d out[3];
+        const bool fits = decide({{c.c}, {c.p, c.q}}, options_at_200(c.side), out);
+        ASSERT_EQ(fits, c.fits) << "side " << c.side;
+        if (!fits) continue;
+        EXPECT_EQ(out[0], c.a) << "side " << c.side;
+        EXPECT_EQ(out[1], c.c);
+        EXPECT_EQ(out[2], c.b) << "side " << c.side;
+    }
+}
+
+TEST(PegDecision, TolerancesAndTheirLooseness) {
+    // Strict at 200 dpi: ends 1600 ± 50 apart, middle 800 ± 25 along and
+    // at most 2 off the line; loose doubles each.
+    struct Case {
+        Point2d b, c;
+        bool strict, loose;
+    };
+    const Case cases[] = {
+        {{1849.9, 1900}, {1024.9, 1900}, true, true},   {{1850.1, 1900}, {1024.9, 1900}, false, true},
+        {{1900.1, 1900}, {1050, 1900}, false, false},   {{1800, 1900}, {1024.9, 1900}, true, true},
+        {{1800, 1900}, {1025.1, 1900}, false, true},    {{1800, 1900}, {1050.1, 1900}, false, false},
+        {{1800, 1900}, {1000, 1901.9}, true, true},     {{1800, 1900}, {1000, 1897.9}, false, true},
+        {{1800, 1900}, {1000, 1904.1}, false, false},
+    };
+    for (const Case &k : cases) {
+        Point2d out[3];
+        const PegCandidates candidates{{k.c}, {kLeft, k.b}};
+        EXPECT_EQ(decide(candidates, options_at_200(2, 1), out), k.strict) << k.b.x << " " << k.c.x << " " << k.c.y;
+        EXPECT_EQ(decide(candidates, options_at_200(2, 0), out), k.loose) << k.b.x << " " << k.c.x << " " << k.c.y;
+    }
+}
+
+TEST(PegDecision, TooFewCandidatesFail) {
+    Point2d out[3];
+    EXPECT_FALSE(decide({{kMiddle}, {kLeft}}, options_at_200(), out));
+    EXPECT_FALSE(decide({{}, {kLeft, kRight}}, options_at_200(), out));
+    PegRegistrationOptions round = options_at_200();
+    round.centerPegHoles = true;
+    EXPECT_FALSE(decide({{kLeft, kRight}, {kLeft, kRight, kMiddle}}, round, out));
+}
+
+TEST(PegDecision, TwoFitsCloseTogetherAreDoubtAndStayDoubt) {
+    Point2d out[3];
+    EXPECT_FALSE(decide({{kMiddle, {1010, 1900}}, {kLeft, kRight}}, options_at_200(), out));
+    // With the count at 2 a far rival, even nearer the band's middle, cannot
+    // bring it back to one.
+    const Point2d farLeft{200, 900}, farMiddle{1000, 900}, farRight{1800, 900};
+    const Math::Box2d nearFar{0, 800, 2000, 1000};
+    EXPECT_FALSE(
+        decide({{kMiddle, {1010, 1900}, farMiddle}, {kLeft, kRight, farLeft, farRight}}, options_at_200(), out, nearFar));
+}
+
+TEST(PegDecision, AFarRivalWinsOnlyWhenNearerTheMiddleOfTheBand) {
+    // Two bars 1000 apart: whichever comes first in the lists, the one
+    // nearer the middle of the search box is the result.
+    const Point2d farLeft{200, 900}, farMiddle{1000, 900}, farRight{1800, 900};
+    const Math::Box2d farBand{0, 800, 2000, 1000};
+    const PegCandidates trueFirst{{kMiddle, farMiddle}, {kLeft, kRight, farLeft, farRight}};
+    const PegCandidates falseFirst{{farMiddle, kMiddle}, {farLeft, farRight, kLeft, kRight}};
+    for (const PegCandidates &k : {trueFirst, falseFirst}) {
+        Point2d out[3];
+        ASSERT_TRUE(decide(k, options_at_200(), out));
+        EXPECT_EQ(out[1], kMiddle);
+        ASSERT_TRUE(decide(k, options_at_200(), out, farBand));
+        EXPECT_EQ(out[1], farMiddle);
+    }
+}
+
+TEST(PegDecision, RoundHolesSpanTwoPitches) {
+    PegRegistrationOptions o = options_at_200();
+    o.centerPegHoles = true;
+    const Point2d left{200, 1900}, middle{1800, 1903}, right{3400, 1900};
+    Point2d out[3];
+    ASSERT_TRUE(decide({{middle, right, left}, {}}, o, out));
+    EXPECT_EQ(out[0], left);
+    EXPECT_EQ(out[1], middle);
+    EXPECT_EQ(out[2], right);
+    // 8 off the line is the limit; a middle 9 off fails strict.
+    EXPECT_FALSE(decide({{{1800, 1909}, right, left}, {}}, o, out));
+    // A normal-mode bar (one pitch end to end) is no round-hole bar.
+    EXPECT_FALSE(decide({{kLeft, kMiddle, kRight}, {}}, o, out));
+}
+
+TEST(PegSearchBox, BandOfEachSideIsInImagePixels) {
+    PegRegistrationOptions o = options_at_200();
+    o.calibX = 2.0;
+    o.calibY = 0.5;
+    const struct {
+        int side;
+        double x0, y0, x1, y1;
+    } cases[] = {{1, 0, 0, 1000, 400}, {2, 0, 400, 1000, 800}, {3, 0, 0, 100, 800}, {4, 900, 0, 1000, 800},
+                 {7, 0, 0, 1000, 800}};
+    for (const auto &c : cases) {
+        o.side = c.side;
+        const Math::Box2d box = search_box_of_pegs(1000, 800, o);
+        EXPECT_EQ(box.x0, c.x0) << c.side;
+        EXPECT_EQ(box.y0, c.y0) << c.side;
+        EXPECT_EQ(box.x1, c.x1) << c.side;
+        EXPECT_EQ(box.y1, c.y1) << c.side;
+    }
+}
+
+// ---- the whole search on drawn pages ----
+
+constexpr int kPage = 2000;
+
+// Where the middle hole of a side's bar lies, in pixel indices.
+Point2d middle_of_side(int side) {
+    switch (side) {
+    case 1: return {1000, 100};
+    case 2: return {1000, 1900};
+    case 3: return {100, 1000};
+    default: return {1900, 1000};
+    }
+}
+
+// A white page punched at 200 dpi along `side`: a round hole a quarter of an
+// inch across and two slots 8 inches apart, the bar turned by `turn` radians
+// counter-clockwise (seen with y up) and drawn `scaleX`, `scaleY` times its
+// size. Pixel (x, y) covers x..x+1, so the middle hole's index is `middle`.
+QImage punched_page(int side, double turn, double scaleX = 1.0, double scaleY = 1.0) {
+    QImage page(kPage, kPage, QImage::Format_Grayscale8);
+    page.fill(255);
+    QPainter painter(&page);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::black);
+    const Point2d middle = middle_of_side(side);
+    painter.translate(middle.x + 0.5, middle.y + 0.5);
+    painter.scale(scaleX, scaleY);
+    painter.rotate(-turn * 180.0 / std::numbers::pi + (side >= 3 ? 90.0 : 0.0));
+    painter.drawEllipse(QPointF(0, 0), 25.0, 25.0);
+    for (const double x : {-800.0, 800.0}) painter.drawRoundedRect(QRectF(x - 50, -15, 100, 30), 15, 15);
+    return page;
+}
+
+CEL_PixmapPtr matte8_of(const QImage &page) {
+    auto pixmap = UT_makeShared<CEL_PixmapMatte8>(page.width(), page.height());
+    for (int y = 0; y < page.height(); ++y)
+        std::memcpy(pixmap->row(y), page.constScanLine(y), static_cast<size_t>(page.width()));
+    return pixmap;
+}
+
+TEST(OpticalRegistration, FindsTheMiddleHoleAndTheTurnOnEverySide) {
+    const double turn = 0.4 * std::numbers::pi / 180.0;
+    const double tolerance = 0.01 * std::numbers::pi / 180.0;
+    for (int side = 1; side <= 4; ++side) {
+        float x = -1, y = -1, angle = -1;
+        ASSERT_TRUE(optical_registration(matte8_of(punched_page(side, turn)), &x, &y, &angle, 0.5, 200, side, 1.0,
+                                         8.0, 2.0, 1))
+            << "side " << side;
+        const Point2d middle = middle_of_side(side);
+        EXPECT_NEAR(x, middle.x, 0.25) << "side " << side;
+        EXPECT_NEAR(y, middle.y, 0.25) << "side " << side;
+        // The top bar runs right to left: its corrected angle is left near -2π.
+        EXPECT_NEAR(angle, side == 1 ? turn - 2.0 * std::numbers::pi : turn, tolerance) << "side " << side;
+    }
+    // Turned the other way, the top bar's angle lands near 0.
+    float x, y, angle;
+    ASSERT_TRUE(optical_registration(matte8_of(punched_page(1, -turn)), &x, &y, &angle, 0.5, 200, 1, 1.0, 8.0, 2.0, 1));
+    EXPECT_NEAR(angle, -turn, tolerance);
+}
+
+TEST(OpticalRegistration, ColourPicturesAreSearchedInGreyAndFailuresLeaveZeros) {
+    const QImage page = punched_page(2, 0.0).convertToFormat(QImage::Format_RGBA8888);
+    auto colour = UT_makeShared<CEL_PixmapRGBA8>(page.width(), page.height());
+    for (int y = 0; y < page.height(); ++y)
+        std::memcpy(colour->row(y), page.constScanLine(y), static_cast<size_t>(page.width()) * 4);
+    float x, y, angle;
+    ASSERT_TRUE(optical_registration(colour, &x, &y, &angle, 0.5, 200, 2, 1.0, 8.0, 2.0, 1));
+    EXPECT_NEAR(x, 1000.0, 0.25);
+    EXPECT_NEAR(y, 1900.0, 0.25);
+
+    EXPECT_FALSE(optical_registration(CEL_PixmapPtr(), &x, &y, &angle, 0.5, 200, 2, 1.0, 8.0, 2.0, 1));
+    // The bar is on the bottom edge; the top band has nothing.
+    EXPECT_FALSE(optical_registration(colour, &x, &y, &angle, 0.5, 200, 1, 1.0, 8.0, 2.0, 1));
+    EXPECT_EQ(x, 0.0f);
+    EXPECT_EQ(y, 0.0f);
+    EXPECT_EQ(angle, 0.0f);
+}
+
+BM_GreyMap inverted_grey(const QImage &page) {
+    BM_GreyMap grey(page.width(), page.height());
+    for (int y = 0; y < page.height(); ++y)
+        for (int x = 0; x < page.width(); ++x) grey.set(x, y, 255u - page.constScanLine(y)[x]);
+    return grey;
+}
+
+TEST(LocatePegs, CalibratedSearchReturnsImagePixelsWithYUpAndTracesOnRequest) {
+    // A scanner that stretches x by 1/1.25 and y by 1/0.8: the page is drawn
+    // that much smaller, the calibration brings the bar back to 8 inches.
+    PegRegistrationOptions o = options_at_200();
+    o.calibX = 1.25;
+    o.calibY = 0.8;
+    o.rdebug = true;
+    BM_GreyMap grey = inverted_grey(punched_page(2, 0.0, 1.0 / o.calibX, 1.0 / o.calibY));
+    Point2d points[3];
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    ASSERT_TRUE(locate_pegs(grey, o, points));
+    const std::string out = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Performing optical registration. Looseness factor is 2.000000\nCalibration values: 1.250000 0.800000\n");
+    const double up = kPage - 1900.0;
+    const Point2d want[3] = {{1000 - 640, up}, {1000, up}, {1000 + 640, up}};
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_NEAR(points[i].x, want[i].x, 0.25) << i;
+        EXPECT_NEAR(points[i].y, want[i].y, 0.25) << i;
+    }
+    EXPECT_NE(out.find("Found a center peg candidate at: ("), std::string::npos) << out;
+    EXPECT_NE(out.find("Found a side peg candidate at coordinates ("), std::string::npos);
+    EXPECT_EQ(out.find("Distances"), std::string::npos);  // round holes only
+
+    o.centerPegHoles = true;
+    testing::internal::CaptureStdout();
+    ASSERT_TRUE(decide_pegs({{{200, 1900}, {1800, 1900}, {3400, 1900}}, {}}, kBottomBand, o, points[0], points[1],
+                            points[2]));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Performing registration using only center pegs holes 3 center candidates\n"
+              "Point: 200.000000 1900.000000\nPoint: 1800.000000 1900.000000\nPoint: 3400.000000 1900.000000\n"
+              "Distances: 1600.000000 1600.000000 3200.000000\n");
+}
+
+}  // namespace

@@ -99,11 +99,11 @@ public:
         points_.push_back(points_.front());
 
         GR_BezierPath2d path;
+        path.reserve(static_cast<int>(points_.size()));
         for (auto it = points_.rbegin(); it != points_.rend(); ++it) {
-            Math::Point2d p{it->x / 2.0, it->y / 2.0};
-            p.Round(0.015625);
-            p.x += 0.5;
-            p.y += 0.5;
+            // Crack midpoints lie on half pixels, already on the 1/64 grid
+            // that polygon points are rounded to; the mask's origin is 0.
+            const Math::Point2d p{it->x / 2.0 + 0.5, it->y / 2.0 + 0.5};
             if (path.isEmpty() || !(path.lastPoint() == p)) path.append(p);
         }
         return path;
@@ -125,22 +125,11 @@ private:
 
     // The crack on side d of pixel (x, y): the left and upper cracks are
     // kept on the neighbours.
-    bool walked(int x, int y, int d) const {
-        switch (d) {
-        case 0: return markOf(x - 1, y) & 1u;
-        case 1: return markOf(x, y) & 2u;
-        case 2: return markOf(x, y) & 1u;
-        default: return markOf(x, y - 1) & 2u;
-        }
-    }
-    void mark(int x, int y, int d) {
-        switch (d) {
-        case 0: addMark(x - 1, y, 1); break;
-        case 1: addMark(x, y, 2); break;
-        case 2: addMark(x, y, 1); break;
-        default: addMark(x, y - 1, 2); break;
-        }
-    }
+    static constexpr int kCrackX[4] = {-1, 0, 0, 0};
+    static constexpr int kCrackY[4] = {0, 0, 0, -1};
+    static constexpr unsigned kCrackBit[4] = {1, 2, 1, 2};
+    bool walked(int x, int y, int d) const { return markOf(x + kCrackX[d], y + kCrackY[d]) & kCrackBit[d]; }
+    void mark(int x, int y, int d) { addMark(x + kCrackX[d], y + kCrackY[d], kCrackBit[d]); }
 
     const uint8_t *mask_;
     size_t maskStride_;

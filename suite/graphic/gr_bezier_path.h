@@ -7,6 +7,7 @@
 class GR_BezierPath2d {
 public:
     void append(const Math::Point2d &p) { points_.push_back(p); }
+    void reserve(int count) { points_.reserve(static_cast<size_t>(count > 0 ? count : 0)); }
     int pointCount() const { return static_cast<int>(points_.size()); }
     const Math::Point2d &point(int i) const { return points_[static_cast<size_t>(i)]; }
     const Math::Point2d &lastPoint() const { return points_.back(); }

@@ -1,6 +1,7 @@
 // The peg hole search's pixel work: the stamped mask, the boundary polygons
 // and the grey-weighted centroid.
 #include <cmath>
+#include <cstring>
 #include <random>
 #include <set>
 #include <utility>
@@ -16,6 +17,12 @@ namespace {
 
 Math::Box2d box(double x0, double y0, double x1, double y1) { return {x0, y0, x1, y1}; }
 const Math::Box2d kNoBox;
+
+BM_GreyMap filled(int w, int h, unsigned value) {
+    BM_GreyMap grey(w, h);
+    std::memset(grey.data(), static_cast<int>(value), static_cast<size_t>(grey.bytesPerRow() * h));
+    return grey;
+}
 
 std::vector<GR_BezierPath2d> trace(BM_MaskMap &mask) {
     ContourTracer tracer;
@@ -136,9 +143,7 @@ TEST(PegMask, MatchesACellByCellStamp) {
 }
 
 TEST(PegMask, LimitsAreInclusiveFloorAndCeil) {
-    BM_GreyMap grey(10, 8);
-    for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 10; ++x) grey.set(x, y, 150);
+    BM_GreyMap grey = filled(10, 8, 150);
     BM_MaskMap mask;
     build_peg_mask(grey, mask, 100, box(2.5, 1.2, 5.2, 3.0), kNoBox, 0, 0, false);
     for (int y = 0; y < 8; ++y)
@@ -172,9 +177,7 @@ TEST(PegMask, ReportsFewerThanThreeValuesInTheBox) {
 TEST(PegMask, ThinningPeelsLayersFromTheTopLeft) {
     // Everything bright: the stamp covers the picture, and two layers go
     // from row 0 and column 0 on; the right and bottom edges stay.
-    BM_GreyMap grey(12, 10);
-    for (int y = 0; y < 10; ++y)
-        for (int x = 0; x < 12; ++x) grey.set(x, y, 250);
+    BM_GreyMap grey = filled(12, 10, 250);
     BM_MaskMap mask;
     build_peg_mask(grey, mask, 100, box(0, 0, 12, 10), kNoBox, 3, 1, true);
     for (int y = 0; y < 10; ++y)
@@ -252,7 +255,7 @@ TEST(ContourTracer, RegionsHolesAndCorners) {
     EXPECT_EQ(paths[0].pointCount() + paths[1].pointCount(), 12 + 1 + 4 + 1);
 }
 
-TEST(ContourTracer, FrameOfTwoPixelsIsCleared) {
+TEST(ContourTracer, FrameOfTwoPixelsIsClearedAndLimitsHold) {
     BM_MaskMap mask(16, 16);
     mask.set(1, 8, 1);
     mask.set(14, 8, 1);
@@ -264,6 +267,16 @@ TEST(ContourTracer, FrameOfTwoPixelsIsCleared) {
     mask.set(2, 2, 1);
     mask.set(13, 13, 1);
     EXPECT_EQ(trace(mask).size(), 2u);
+
+    // A limit keeps the scan to its rows and columns, inclusive.
+    ContourTracer limited;
+    limited.mask = &mask;
+    limited.limited = true;
+    limited.limit = {10.2, 12.5, 13.0, 13.0};
+    std::vector<GR_BezierPath2d> paths;
+    trace_contours(limited, paths);
+    ASSERT_EQ(paths.size(), 1u);
+    EXPECT_EQ(paths[0].point(0), (Math::Point2d{13.5, 14}));
 }
 
 TEST(ContourTracer, FilledDiscLosesHalfAPixel) {

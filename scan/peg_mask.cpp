@@ -197,35 +197,51 @@ private:
     int lo_ = 1 << 30, hi_ = -1;                  // words holding hits
 };
 
-// Peels k layers off the mask: a set pixel keeps its bit only when it lies
-// deeper than k steps (left, right, up, down) from a clear pixel; row 0 and
-// column 0 count as clear.
+// Peels k layers off the mask. Layer i + 1 is every set pixel with a
+// 4-neighbour in layer i, layer 0 being the clear pixels together with row 0
+// and column 0. (Labelling the pixels and sweeping once a layer comes to the
+// same, since a pixel of layer i never changes while layer i + 1 is found;
+// here each layer is a bit plane, worked on a byte at a time.)
 void thin_mask(BM_MaskMap &mask, int k) {
-    const int w = mask.width(), h = mask.height();
-    const uint8_t inner = static_cast<uint8_t>(k + 1);
-    std::vector<uint8_t> label(static_cast<size_t>(w) * static_cast<size_t>(h), 0);
-    auto at = [&](int x, int y) -> uint8_t & { return label[static_cast<size_t>(y) * static_cast<size_t>(w) + static_cast<size_t>(x)]; };
-    for (int y = 1; y < h; ++y)
-        for (int x = 1; x < w; ++x)
-            if (mask.get(x, y)) at(x, y) = inner;
-    for (int i = 0; i < k; ++i) {
-        const uint8_t layer = static_cast<uint8_t>(i), next = static_cast<uint8_t>(i + 1);
-        for (int y = 1; y < h; ++y) {
-            for (int x = 1; x < w; ++x) {
-                uint8_t &p = at(x, y);
-                uint8_t &left = at(x - 1, y);
-                uint8_t &up = at(x, y - 1);
-                if (p == inner) {
-                    if (left == layer || up == layer) p = next;
-                } else if (p == layer) {
-                    if (left == inner) left = next;
-                    if (up == inner) up = next;
-                }
-            }
+    const int h = mask.height(), stride = mask.bytesPerRow(), rowBytes = (mask.width() + 7) / 8;
+    if (h == 0 || rowBytes == 0) return;
+    std::vector<uint8_t> valid(static_cast<size_t>(stride), 0);
+    std::fill_n(valid.begin(), rowBytes, 0xff);
+    if (mask.width() & 7) valid[static_cast<size_t>(rowBytes) - 1] = static_cast<uint8_t>(0xff00u >> (mask.width() & 7));
+
+    const size_t planeBytes = static_cast<size_t>(stride) * static_cast<size_t>(h);
+    std::vector<uint8_t> front(planeBytes), peeled(planeBytes);
+    std::memset(mask.row(0), 0, static_cast<size_t>(stride));
+    for (int y = 0; y < h; ++y) {
+        uint8_t *in = mask.row(y);
+        uint8_t *f = front.data() + static_cast<size_t>(y) * static_cast<size_t>(stride);
+        in[0] &= 0x7f;
+        for (int j = 0; j < stride; ++j) {
+            in[j] &= valid[static_cast<size_t>(j)];
+            f[j] = static_cast<uint8_t>(~in[j] & valid[static_cast<size_t>(j)]);
         }
     }
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) mask.set(x, y, at(x, y) == inner ? 1u : 0u);
+    const std::vector<uint8_t> none(static_cast<size_t>(stride), 0);
+    for (int i = 0; i < k; ++i) {
+        for (int y = 0; y < h; ++y) {
+            const size_t at = static_cast<size_t>(y) * static_cast<size_t>(stride);
+            const uint8_t *f = front.data() + at;
+            const uint8_t *above = y > 0 ? f - stride : none.data();
+            const uint8_t *below = y + 1 < h ? f + stride : none.data();
+            uint8_t *in = mask.row(y);
+            uint8_t *p = peeled.data() + at;
+            for (int j = 0; j < rowBytes; ++j) {
+                // x = 0 is the top bit: >> 1 brings each pixel its left
+                // neighbour, << 1 its right one.
+                const unsigned fromLeft = (f[j] >> 1) | (j > 0 ? (f[j - 1] << 7) & 0x80u : 0u);
+                const unsigned fromRight = (f[j] << 1) | (j + 1 < rowBytes ? f[j + 1] >> 7 : 0u);
+                const uint8_t near = static_cast<uint8_t>(fromLeft | fromRight | above[j] | below[j]);
+                p[j] = in[j] & near;
+                in[j] &= static_cast<uint8_t>(~near);
+            }
+        }
+        front.swap(peeled);
+    }
 }
 
 }  // namespace
@@ -281,8 +297,14 @@ bool build_peg_mask(BM_GreyMap &grey, BM_MaskMap &mask, int threshold, const Mat
     if (r >= 2 && r2 <= r - 2 && !keep) {
         for (int y = 0; y < height; ++y) {
             uint8_t *g = grey.row(y);
-            for (int x = 0; x < width; ++x)
-                if (!mask.get(x, y)) g[x] = 0;
+            const uint8_t *bits = mask.row(y);
+            for (int x = 0; x < width; x += 8) {
+                const unsigned byte = bits[x >> 3];
+                if (byte == 0xff) continue;
+                const int n = std::min(8, width - x);
+                for (int b = 0; b < n; ++b)
+                    if (!((byte >> (7 - b)) & 1u)) g[x + b] = 0;
+            }
         }
     }
     thin_mask(mask, k);

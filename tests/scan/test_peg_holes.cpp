@@ -200,6 +200,39 @@ TEST(PegMask, ThinningPeelsLayersFromTheTopLeft) {
     EXPECT_EQ(mask.get(3, 3) + mask.get(4, 4), 2u);
 }
 
+// Thinning against the plain labelling sweep, on random pictures.
+TEST(PegMask, ThinningMatchesTheLabellingSweep) {
+    std::mt19937 rng(3);
+    for (int round = 0; round < 6; ++round) {
+        const int w = 30 + static_cast<int>(rng() % 80), h = 20 + static_cast<int>(rng() % 20);
+        BM_GreyMap grey(w, h);
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) grey.set(x, y, rng() % 100 < 8 ? 200 : 0);
+        BM_GreyMap copy = grey;
+        BM_MaskMap thinned, stamped;
+        build_peg_mask(grey, thinned, 100, box(0, 0, w, h), kNoBox, 4, 1, true);
+        build_peg_mask(copy, stamped, 100, box(0, 0, w, h), kNoBox, 4, 4, false);
+
+        const int k = 3, inner = k + 1;
+        std::vector<std::vector<int>> label(static_cast<size_t>(h), std::vector<int>(static_cast<size_t>(w), 0));
+        for (int y = 1; y < h; ++y)
+            for (int x = 1; x < w; ++x) label[y][x] = stamped.get(x, y) ? inner : 0;
+        for (int i = 0; i < k; ++i)
+            for (int y = 1; y < h; ++y)
+                for (int x = 1; x < w; ++x) {
+                    int &p = label[y][x], &left = label[y][x - 1], &up = label[y - 1][x];
+                    if (p == inner && (left == i || up == i)) p = i + 1;
+                    else if (p == i) {
+                        if (left == inner) left = i + 1;
+                        if (up == inner) up = i + 1;
+                    }
+                }
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x)
+                ASSERT_EQ(thinned.get(x, y), label[y][x] == inner ? 1u : 0u) << round << ": " << x << "," << y;
+    }
+}
+
 TEST(ContourTracer, OnePixelIsADiamondOfCrackMidpoints) {
     BM_MaskMap mask(12, 12);
     mask.set(5, 5, 1);

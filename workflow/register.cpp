@@ -1,15 +1,33 @@
 #include "workflow/register.h"
 
+#include <QtGlobal>
+
 #include <cmath>
+#include <utility>
 
 #include "scan/drawing.h"
+#include "scan/optical_registration.h"
+#include "scan/pixmap_rotate.h"
 #include "scan/pixmap_pixmap.h"
 #include "scan/scanner_list.h"
 #include "suite/base/assertion.h"
 #include "suite/base/lmv_trace.h"
 #include "workflow/config.h"
+#include "workflow/dbinfo.h"
+#include "workflow/scan_window.h"
 
 namespace {
+
+// The band that registration searches, by the drawing's peg side; a drawing
+// without a side registers as bottom.
+int registration_side(int32_t peg_side) {
+    switch (peg_side) {
+    case PEG_LEFT: return 3;
+    case PEG_TOP: return 1;
+    case PEG_RIGHT: return 4;
+    default: return 2;
+    }
+}
 
 // Distance in inches from the centre peg to the middle of the field.
 double peg_distance(double field) {
@@ -71,10 +89,52 @@ int MechanicalRegisterScan(ScanConfig *config, Drawing *drawing, LMV_pixmap *pix
     return result;
 }
 
-// Finding the peg holes in the image is not built yet: every optical scan is
-// refused, and the operator's registration question decides what happens.
+// The sheet lies loose: find its peg holes, turn the picture square on them
+// and cut it to the field, unless the vectorizer will cut it itself.
 int OpticalRegisterScan(ScanConfig *config, Drawing *drawing, LMV_pixmap *pixmap) {
     LMV_ASSERT_RET(config != nullptr && drawing != nullptr && pixmap != nullptr, 0);
-    LMV_log("Optical registration is not available in this build.\n");
-    return 0;
+    const CEL_PixmapPtr view = best_of_pixmap(pixmap);
+    LMV_ASSERT_RET(view, 0);
+    const int32_t peg_side = peg_side_of_Drawing(drawing);
+    const int threshold_level = threshold_of_Drawing(drawing);
+    const double threshold = threshold_level >= 1 ? threshold_level / 255.0 : 0.5;
+    const int dpi = static_cast<int>(dpi_of_Drawing(drawing));
+    float x = 0.0f, y = 0.0f, angle = 0.0f;
+    const int result = optical_registration(view, &x, &y, &angle, threshold, dpi, registration_side(peg_side), 1.0,
+                                            8.0, 2.0, 1)
+                           ? 1
+                           : 0;
+    const int32_t width = width_of_pixmap(pixmap), height = height_of_pixmap(pixmap);
+    LMV_trace("Found registration: %g radians; (%g, %g) pixels\n\tImage: (%d, %d)\n", double(angle), double(x),
+              double(y), width, height);
+    rotation_of_Drawing(drawing, angle, x, y);
+    if (result != 1) return result;
+
+    const bool vectorizer_cuts = config->database ? needs_vectorization_of_DatabaseBinding(config->binding)
+                                                  : scan_depth_of_Drawing(drawing) == DEPTH_BW;
+    if (!config->pancel && vectorizer_cuts) return result;
+
+    LMV_trace("xres:%d yres:%d\n", width, height);
+    const bool field12 = config->field == 12.0;
+    set_window_xres_inches_of_Drawing(drawing, field12 ? 9.0 : 12.0);
+    set_window_yres_inches_of_Drawing(drawing, field12 ? 12.0 : 16.0);
+    int wp = static_cast<int>(window_xres_inches_of_Drawing(drawing) * dpi);
+    int hp = static_cast<int>(window_yres_inches_of_Drawing(drawing) * dpi);
+    if (peg_side == PEG_TOP || peg_side == PEG_BOTTOM) std::swap(wp, hp);
+
+    const double degrees = angle / 3.141592653589793 * 180.0;
+    rotate_LMV_pixmap(pixmap, static_cast<float>(degrees < 0.0 ? -degrees : 360.0 - degrees), &x, &y, 0, width - 1, 0,
+                      height - 1, nullptr);
+
+    // The peg strip of three quarters of an inch goes, unless asked to stay.
+    const int m = qEnvironmentVariableIsSet("LMV_SCAN_KEEP_PEGS") ? 0 : static_cast<int>(dpi * -2.0 * 0.375);
+    switch (peg_side) {
+    case PEG_LEFT: x = float(x - m + wp * 0.5); break;
+    case PEG_TOP: y = float(y - m + hp * 0.5); break;
+    case PEG_RIGHT: x = float(x + m - wp * 0.5); break;
+    default: y = float(y + m - hp * 0.5); break;
+    }
+    scale_pixmap(pixmap, wp * 0.5 - x, hp * 0.5 - y, wp, hp, 1.0, 1.0);
+    config->main_interface->showDrawing(drawing, true);
+    return result;
 }

@@ -26,6 +26,20 @@ UT_SharePtr<const CEL_PixmapMatte8> matte8_of(const CEL_PixmapPtr &pixmap) {
 
 bool optical_registration(const CEL_PixmapPtr &pixmap, float *x, float *y, float *angle, double threshold, int dpi,
                           int side, double rmargin, double pegpitch, double looseness, int strict) {
+    PegRegistrationOptions options;
+    options.threshr = threshold;
+    options.dpi = static_cast<double>(dpi);
+    options.rmargin = rmargin;
+    options.side = side;
+    options.strict = strict;
+    options.looseness = looseness;
+    options.pegpitch = pegpitch;
+    options.rdebug = false;
+    return optical_registration(pixmap, options, x, y, angle);
+}
+
+bool optical_registration(const CEL_PixmapPtr &pixmap, const PegRegistrationOptions &options, float *x, float *y,
+                          float *angle) {
     LMV_ASSERT_RET(x != nullptr && y != nullptr && angle != nullptr, false);
     if (!pixmap) return false;
     const UT_SharePtr<const CEL_PixmapMatte8> matte = matte8_of(pixmap);
@@ -39,16 +53,6 @@ bool optical_registration(const CEL_PixmapPtr &pixmap, float *x, float *y, float
         uint8_t *to = grey.row(row);
         for (int column = 0; column < width; ++column) to[column] = static_cast<uint8_t>(~from[column]);
     }
-
-    PegRegistrationOptions options;
-    options.threshr = threshold;
-    options.dpi = static_cast<double>(dpi);
-    options.rmargin = rmargin;
-    options.side = side;
-    options.strict = strict;
-    options.looseness = looseness;
-    options.pegpitch = pegpitch;
-    options.rdebug = false;
 
     *x = 0.0f;
     *y = 0.0f;
@@ -68,7 +72,7 @@ bool optical_registration(const CEL_PixmapPtr &pixmap, float *x, float *y, float
     // stored angle is a float and side 1 is left unwrapped near 0 or -2π.
     constexpr float kHalfPi = static_cast<float>(std::numbers::pi / 2.0);
     constexpr float kPi = static_cast<float>(std::numbers::pi);
-    switch (side) {
+    switch (options.side) {
     case 1: turn = turn - kPi; break;
     case 3: turn = turn - kHalfPi; break;
     case 4: turn = turn + kHalfPi; break;
@@ -76,4 +80,13 @@ bool optical_registration(const CEL_PixmapPtr &pixmap, float *x, float *y, float
     }
     *angle = turn;
     return true;
+}
+
+int registration_side_of_peg_side(int32_t peg_side) {
+    switch (peg_side) {
+    case 1: return 3;
+    case 2: return 1;
+    case 3: return 4;
+    default: return 2;
+    }
 }

@@ -18,17 +18,6 @@
 
 namespace {
 
-// The band that registration searches, by the drawing's peg side; a drawing
-// without a side registers as bottom.
-int registration_side(int32_t peg_side) {
-    switch (peg_side) {
-    case PEG_LEFT: return 3;
-    case PEG_TOP: return 1;
-    case PEG_RIGHT: return 4;
-    default: return 2;
-    }
-}
-
 // Distance in inches from the centre peg to the middle of the field.
 double peg_distance(double field) {
     const int f = static_cast<int>(field);
@@ -100,7 +89,7 @@ int OpticalRegisterScan(ScanConfig *config, Drawing *drawing, LMV_pixmap *pixmap
     const double threshold = threshold_level >= 1 ? threshold_level / 255.0 : 0.5;
     const int dpi = static_cast<int>(dpi_of_Drawing(drawing));
     float x = 0.0f, y = 0.0f, angle = 0.0f;
-    const int result = optical_registration(view, &x, &y, &angle, threshold, dpi, registration_side(peg_side), 1.0,
+    const int result = optical_registration(view, &x, &y, &angle, threshold, dpi, registration_side_of_peg_side(peg_side), 1.0,
                                             8.0, 2.0, 1)
                            ? 1
                            : 0;

@@ -94,4 +94,44 @@ TEST_F(ScanctlScan, AnEmptyFeederEndsTheListEarly) {
     EXPECT_EQ(files(), QStringList{"S-1.tif"});
 }
 
+// The value after `label` on its line of a scanctl output.
+QString field(const QString &out, const QString &label) {
+    const qsizetype at = out.indexOf(label);
+    if (at < 0) return {};
+    const qsizetype start = at + label.size();
+    return out.mid(start, out.indexOf('\n', start) - start).trimmed();
+}
+
+TEST_F(ScanctlScan, OpticalScansKeepTheirTurnAndRegisterAgainFromTheFile) {
+    QFile skew(dir_.filePath(QStringLiteral("DUMMY_XYR_OFFSET_FILE")));
+    ASSERT_TRUE(skew.open(QIODevice::WriteOnly));
+    skew.write("0.05,-0.05,0.6\n");
+    skew.close();
+    // Black and white stays uncut for the vectorizer; grey is turned and cut.
+    for (const char *depth : {"bw", "grey"}) {
+        const ProcessResult r = scanctl({"scan", "--conf", conf_, "--path", scans_, "--prefix", depth, "--list", "1",
+                                         "--depth", depth, "--dpi", "150", "--peg", "left", "--feed", "pegged",
+                                         "--optical"});
+        ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    }
+    const QString bw = scans_ + "/bw-1.tif", grey = scans_ + "/grey-1.tif";
+    const ProcessResult info = scanctl({"info", bw});
+    const QString angle = field(info.out, "rotation angle:").remove(" rad");
+    EXPECT_NE(angle.toDouble(), 0.0);
+    EXPECT_EQ(field(scanctl({"info", grey}).out, "size:").section(',', 0, 0), "1350 x 1800 pixels");
+
+    const ProcessResult again = scanctl({"register", bw});
+    ASSERT_EQ(again.status, 0) << again.err.toStdString();
+    EXPECT_EQ(field(again.out, "angle:").section(' ', 0, 0), angle);
+    EXPECT_EQ(field(again.out, "x:") + ", " + field(again.out, "y:"), field(info.out, "rotation centre:"));
+
+    EXPECT_EQ(scanctl({"register", grey}).status, 2) << "the peg strip was cut away";
+    EXPECT_EQ(scanctl({"register", bw, "--side", "top"}).status, 2);
+    const ProcessResult traced = scanctl({"register", bw, "--rdebug"});
+    EXPECT_TRUE(traced.err.contains("Performing optical registration. Looseness factor is 2.000000\n"));
+    EXPECT_TRUE(traced.out.contains("Found a center peg candidate at: ("));
+    EXPECT_EQ(scanctl({"register", bw, "--threshold", "300"}).status, 1);
+    EXPECT_EQ(scanctl({"register", dir_.filePath("none.tif")}).status, 1);
+}
+
 }  // namespace

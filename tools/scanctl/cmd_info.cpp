@@ -4,14 +4,13 @@
 #include <QTextStream>
 
 #include <cstdio>
-#include <utility>
 
 #include "scan/drawing.h"
 #include "scan/pixmap_pixmap.h"
 #include "scan/vector_scaninfo.h"
-#include "suite/base/tumessage.h"
 #include "suite/cel/celio_manager.h"
 #include "tools/scanctl/command.h"
+#include "tools/scanctl/message_collector.h"
 
 namespace {
 
@@ -20,32 +19,6 @@ constexpr const char *kUsage =
     "  Reads each FILE as the station loads a scan and shows its size, pixel kind,\n"
     "  file format and scan information. A file that can't be read is reported on\n"
     "  standard error and the exit status is 1.\n";
-
-// The station's messages while one file is read, kept for this file's report
-// instead of going to the terminal as boxes.
-class MessageCollector {
-public:
-    MessageCollector() {
-        TUMessage *m = TUMessage::instance();
-        m->setSilent(true);
-        id_ = m->attachView([this](char type, const QString &text, const QString &) {
-            if (type == 'E') errors_ << text.trimmed();
-        });
-    }
-    ~MessageCollector() {
-        TUMessage::instance()->detachView(id_);
-        TUMessage::instance()->setSilent(false);
-    }
-    MessageCollector(const MessageCollector &) = delete;
-    MessageCollector &operator=(const MessageCollector &) = delete;
-
-    // The errors since the last call.
-    QStringList take() { return std::exchange(errors_, {}); }
-
-private:
-    int id_ = 0;
-    QStringList errors_;
-};
 
 const char *kind_name(int32_t kind) {
     switch (kind) {
@@ -100,9 +73,7 @@ bool describe(const QString &path, QTextStream &out, MessageCollector &messages)
     CELIO_FileInfo info;
     Drawing *d = load_Drawing(path, text, &info);
     if (!d) {
-        QString reason = CELIO_Manager::getInstance().lastError();
-        const QStringList station = messages.take();
-        if (reason.isEmpty()) reason = station.join(QStringLiteral("; "));
+        const QString reason = load_failure_reason(messages);
         std::fprintf(stderr, "scanctl info: %s: %s\n", path.toLocal8Bit().constData(), reason.toLocal8Bit().constData());
         return false;
     }

@@ -19,3 +19,4 @@ std::span<const ScanctlCommand> scanctl_commands();
 int run_scanners_command(const QStringList &args);
 int run_info_command(const QStringList &args);
 int run_scan_command(const QStringList &args);
+int run_register_command(const QStringList &args);

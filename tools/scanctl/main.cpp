@@ -7,7 +7,7 @@
 #include "tools/scanctl/command.h"
 
 std::span<const ScanctlCommand> scanctl_commands() {
-    static const std::array<ScanctlCommand, 3> commands = {{
+    static const std::array<ScanctlCommand, 4> commands = {{
         {"scanners", "[--host NAME] [--all-hosts] [FILE]",
          "read a Scan.conf as the station does and show what each scanner can do", run_scanners_command},
         {"info", "FILE...", "read scan files as the station loads them and show size, pixels, format and scan information",
@@ -17,6 +17,8 @@ std::span<const ScanctlCommand> scanctl_commands() {
          "[--optical|--no-optical] [--flip] [--scaninfo-files] [--path DIR] [--prefix P] --list LIST "
          "[--on-misfeed A] [--on-register-failure A]",
          "scan a list of drawings as the station does, without a window", run_scan_command},
+        {"register", "FILE [--side SIDE] [--dpi N] [--threshold T] [--round-holes] [--rdebug]",
+         "find the peg holes of a scan file and print the centre peg and the angle", run_register_command},
     }};
     return commands;
 }

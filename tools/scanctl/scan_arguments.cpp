@@ -31,11 +31,15 @@ std::optional<T> lookup(const std::map<QString, T> &table, const QString &word) 
 
 }  // namespace
 
+std::optional<int> peg_side_of_word(const QString &word) {
+    static const std::map<QString, int> pegs = {
+        {"left", PEG_LEFT}, {"top", PEG_TOP}, {"right", PEG_RIGHT}, {"bottom", PEG_BOTTOM}};
+    return lookup(pegs, word);
+}
+
 std::optional<ScanArguments> parse_scan_arguments(const QStringList &args, QString &error) {
     static const std::map<QString, int> depths = {
         {"bw", DEPTH_BW}, {"grey", DEPTH_GREY}, {"gray", DEPTH_GREY}, {"colour", DEPTH_COLOUR}, {"color", DEPTH_COLOUR}};
-    static const std::map<QString, int> pegs = {
-        {"left", PEG_LEFT}, {"top", PEG_TOP}, {"right", PEG_RIGHT}, {"bottom", PEG_BOTTOM}};
     static const std::map<QString, int> feeds = {
         {"autofeed", FEED_AUTOFEED}, {"autofeed-one", FEED_AUTOFEED_ONE}, {"pegged", FEED_PEGGED},
         {"pegged-many", FEED_PEGGED_MANY}, {"page", FEED_PAGE}, {"pancel", FEED_PANCEL}};
@@ -87,7 +91,7 @@ std::optional<ScanArguments> parse_scan_arguments(const QStringList &args, QStri
                 if (*v != QLatin1String("12") && *v != QLatin1String("16")) return bad(*v);
                 a.field = v->toDouble();
             } else if (word == QLatin1String("--peg")) {
-                if (!(a.peg = lookup(pegs, *v))) return bad(*v);
+                if (!(a.peg = peg_side_of_word(*v))) return bad(*v);
             } else if (word == QLatin1String("--feed")) {
                 if (!(a.feed = lookup(feeds, *v))) return bad(*v);
             } else if (word == QLatin1String("--path")) {

@@ -30,3 +30,6 @@ struct ScanArguments {
 std::optional<ScanArguments> parse_scan_arguments(const QStringList &args, QString &error);
 
 extern const char *const kScanUsage;
+
+// "left", "top", "right" or "bottom" as a peg side.
+std::optional<int> peg_side_of_word(const QString &word);

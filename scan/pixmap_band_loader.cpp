@@ -410,6 +410,20 @@ void load_band_of_pixmap(LMV_pixmap *pixmap, int32_t *x, int32_t *y, const uint8
     }
 }
 
+QTransform turn_of_peg_side(int32_t peg_side, int32_t width, int32_t height)
+{
+    // The continuous form of destination_of: the pixel whose corner is at
+    // (i, j) has its corner, after the turn, at the image of (i, j) and of
+    // (i + 1, j + 1); x' = m11 x + m21 y + dx, y' = m12 x + m22 y + dy.
+    const double W = width, H = height;
+    switch (peg_side) {
+    case PEG_TOP: return QTransform(0, 1, -1, 0, H, 0);
+    case PEG_RIGHT: return QTransform(-1, 0, 0, -1, W, H);
+    case PEG_BOTTOM: return QTransform(0, -1, 1, 0, 0, W);
+    default: return QTransform();
+    }
+}
+
 CEL_PixmapPtr pixmap_from_QImage(const QImage &image, int32_t peg_side)
 {
     if (image.isNull())

@@ -2,6 +2,7 @@
 // LMV_pixmap: the scanner code's handle on one image, four slots of which at
 // most one is filled, and the band loader that drivers feed scan lines to.
 #include <QImage>
+#include <QTransform>
 
 #include <cstdint>
 #include <memory>
@@ -75,6 +76,12 @@ void image_of_pixmap(const LMV_pixmap *pixmap, QImage *image);
 // `one_bit`, packed lines of ceil(width / 8) bytes.
 void load_band_of_pixmap(LMV_pixmap *pixmap, int32_t *x, int32_t *y, const uint8_t *data, int32_t length,
                          bool invert, bool one_bit, int32_t peg_side, bool first, bool last);
+
+// The band loader's turn in continuous coordinates: from a raster of `width`
+// pixels a line and `height` lines (pixel (i, j) covering [i, i + 1) x
+// [j, j + 1)) to the stored picture of that peg side; identity for side 1 and
+// for sides the loader doesn't know.
+QTransform turn_of_peg_side(int32_t peg_side, int32_t width, int32_t height);
 
 // An image from outside the scanner drivers, as one band turned for the peg
 // side: Matte8 for a one-bit image, RGBA8 for anything else; null for a null image.

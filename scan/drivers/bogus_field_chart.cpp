@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <ctime>
 #include <memory>
-#include <utility>
 
 namespace {
 
@@ -31,18 +30,22 @@ struct Pixels {
     int operator()(double inches) const { return static_cast<int>(inches * dpi); }
 };
 
+// The skewed sheet's chart is moved half an inch in, to leave room for the skew.
+double margin_of(bool skewed) { return skewed ? 0.5 : 0.0; }
+
 void paint_chart(QPainter &p, double F, double D, bool skewed) {
     const Pixels px{D};
-    const double M = skewed ? 0.5 : 0.0;
+    const double M = margin_of(skewed);
     const double T = 0.75;
     const double centre = F / 2 + M;
 
     // Peg holes: the round one in the middle, the slots four inches either side.
-    p.setPen(Qt::white);
+    // Filled without an outline: an aliased one-pixel outline is not centred on
+    // the shape's edge and would move the holes by a fraction of a pixel.
+    p.setPen(Qt::NoPen);
     p.setBrush(Qt::white);
-    p.drawEllipse(QRect(px(centre - 0.125), px(0.25), px(0.25), px(0.25)));
-    for (double left : {(F - 8) / 2 + M - 0.35, (F + 8) / 2 + M - 0.35})
-        p.drawRoundedRect(QRect(px(left), px(0.305), px(0.7), px(0.14)), 40, 40);
+    p.drawEllipse(centre_hole_of_field_chart(F, D, skewed));
+    for (const QRect &slot : slots_of_field_chart(F, D, skewed)) p.drawRoundedRect(slot, 40, 40);
 
     p.setPen(QPen(Qt::white, D / 30));
     const double top = T + 0.375;
@@ -95,12 +98,57 @@ FieldChartSkew skew_of_field_chart(bool skewed) {
     return s;
 }
 
+QTransform FieldChartPlacement::sheet_to_image() const {
+    if (sheet_size <= 0) return QTransform();
+    return QTransform::fromScale(double(image_size.width()) / sheet_size, double(image_size.height()) / sheet_size);
+}
+
+QTransform FieldChartPlacement::chart_to_image() const { return chart_to_sheet * sheet_to_image(); }
+
+FieldChartPlacement placement_of_field_chart(double field, double dpi, bool skewed, double x_calibration,
+                                             double y_calibration, const FieldChartSkew &skew) {
+    const double E = (x_calibration < 1.0 || y_calibration < 1.0) ? 5.0 : 0.0;
+    const int W = static_cast<int>(((skewed ? 1 : 0) + field + E) * dpi);
+    const int H = static_cast<int>((field + 2 + E) * 0.75 * dpi);
+    FieldChartPlacement placement;
+    placement.sheet_size = W;
+    // The chart stands in landscape on its peg side: W and H change places.
+    placement.image_size = QSize(H, W);
+    QTransform &t = placement.chart_to_sheet;
+    const bool unscaled =
+        (x_calibration == 1.0 && y_calibration == 1.0) || x_calibration == 0.0 || y_calibration == 0.0;
+    if (!unscaled) {
+        // The chart is turned a quarter below, so the horizontal calibration
+        // acts on the painter's vertical.
+        t.scale(1.0 / y_calibration, 1.0 / x_calibration);
+        t.translate(dpi * E * 0.5, -E * dpi);
+    }
+    t.rotate(skew.rotation - 90.0);
+    t.translate(skew.x_offset * dpi - W, std::trunc(skew.y_offset * dpi));
+    return placement;
+}
+
+QRect centre_hole_of_field_chart(double field, double dpi, bool skewed) {
+    const Pixels px{dpi};
+    const double M = margin_of(skewed);
+    return QRect(px(field / 2 + M - 0.125), px(0.25), px(0.25), px(0.25));
+}
+
+std::array<QRect, 2> slots_of_field_chart(double field, double dpi, bool skewed) {
+    const Pixels px{dpi};
+    const double M = margin_of(skewed);
+    std::array<QRect, 2> rects;
+    const double lefts[] = {(field - 8) / 2 + M - 0.35, (field + 8) / 2 + M - 0.35};
+    for (size_t k = 0; k < rects.size(); ++k) rects[k] = QRect(px(lefts[k]), px(0.305), px(0.7), px(0.14));
+    return rects;
+}
+
 QImage paint_field_chart(double field, double dpi, bool skewed, double x_calibration, double y_calibration,
                          const FieldChartSkew &skew) {
-    const double E = (x_calibration < 1.0 || y_calibration < 1.0) ? 5.0 : 0.0;
-    int W = static_cast<int>(((skewed ? 1 : 0) + field + E) * dpi);
-    int H = static_cast<int>((field + 2 + E) * 0.75 * dpi);
-    if (W <= 0 || H <= 0) return QImage();
+    const FieldChartPlacement placement =
+        placement_of_field_chart(field, dpi, skewed, x_calibration, y_calibration, skew);
+    const int W = placement.sheet_size;
+    if (W <= 0 || placement.image_size.isEmpty()) return QImage();
 
     // Grey is enough for white on black, and a quarter of the memory of RGB
     // on a sheet that is painted square before it is scaled.
@@ -109,21 +157,11 @@ QImage paint_field_chart(double field, double dpi, bool skewed, double x_calibra
     sheet.fill(Qt::black);
     {
         QPainter p(&sheet);
-        const bool unscaled = (x_calibration == 1.0 && y_calibration == 1.0) || x_calibration == 0.0 ||
-                              y_calibration == 0.0;
-        if (!unscaled) {
-            // The chart is turned a quarter below, so the horizontal
-            // calibration acts on the painter's vertical.
-            p.scale(1.0 / y_calibration, 1.0 / x_calibration);
-            p.translate(dpi * E * 0.5, -E * dpi);
-        }
-        p.rotate(skew.rotation - 90.0);
-        p.translate(skew.x_offset * dpi - W, std::trunc(skew.y_offset * dpi));
-        std::swap(W, H);
+        p.setWorldTransform(placement.chart_to_sheet);
         paint_chart(p, field, dpi, skewed);
     }
     // Fast scaling keeps the chart two-valued.
-    return sheet.scaled(W, H, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    return sheet.scaled(placement.image_size, Qt::IgnoreAspectRatio, Qt::FastTransformation);
 }
 
 QImage make_field_chart(double field, double dpi, bool skewed, double x_calibration, double y_calibration) {

@@ -9,6 +9,7 @@ packages=(
   libtiff-dev libtiff-tools
   libgtest-dev libgmock-dev libbenchmark-dev libopencv-imgproc-dev
   clang libclang-rt-14-dev
+  libqt6sql6-sqlite libqt6sql6-psql postgresql
 )
 
 missing=()

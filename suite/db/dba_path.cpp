@@ -1,0 +1,25 @@
+#include "suite/db/dba_path.h"
+
+#include <QDir>
+
+namespace {
+QString &rootSlot() {
+    static QString root;
+    return root;
+}
+}  // namespace
+
+QString DBA_Path::getScenePath(const QString &storedPath) {
+    if (storedPath.isEmpty()) return QString();
+    QString path = storedPath;
+    if (path == QLatin1String("~") || path.startsWith(QLatin1String("~/")))
+        path = QDir::homePath() + path.mid(1);
+    if (QDir::isRelativePath(path)) {
+        const QString base = rootSlot().isEmpty() ? QDir::currentPath() : rootSlot();
+        path = base + QLatin1Char('/') + path;
+    }
+    return QDir::cleanPath(path);
+}
+
+void DBA_Path::setRoot(const QString &root) { rootSlot() = root; }
+QString DBA_Path::root() { return rootSlot(); }

@@ -149,8 +149,7 @@ void mask_only(benchmark::State &state) {
         state.PauseTiming();
         restore(grey);
         state.ResumeTiming();
-        // As the search makes it: a fresh mask of the picture's size.
-        BM_MaskMap mask(grey.width(), grey.height());
+        BM_MaskMap mask;  // as the search has it: allocated by the builder
         build_peg_mask(grey, mask, threshold(), box, Math::Box2d{}, 2, 2, false);
         benchmark::DoNotOptimize(mask.data());
     }

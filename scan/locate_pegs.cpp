@@ -16,7 +16,7 @@ bool locate_pegs(BM_GreyMap &grey, const PegRegistrationOptions &options, Math::
     }
     const Math::Box2d searchBox = search_box_of_pegs(grey.width(), grey.height(), options);
     const int threshold = static_cast<int>(options.threshr * 255.0);
-    BM_MaskMap mask(grey.width(), grey.height());
+    BM_MaskMap mask;  // allocated, and so cleared, once by the mask builder
     build_peg_mask(grey, mask, threshold, searchBox, Math::Box2d{}, 2, 2, false);
 
     std::vector<GR_BezierPath2d> polygons;

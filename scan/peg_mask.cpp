@@ -197,6 +197,12 @@ private:
     int lo_ = 1 << 30, hi_ = -1;                  // words holding hits
 };
 
+// Sets rows [from, to) of the picture to 0.
+void clear_rows(BM_GreyMap &grey, int from, int to) {
+    if (from >= to) return;
+    std::memset(grey.row(from), 0, static_cast<size_t>(grey.bytesPerRow()) * static_cast<size_t>(to - from));
+}
+
 // Peels k layers off the mask. Layer i + 1 is every set pixel with a
 // 4-neighbour in layer i, layer 0 being the clear pixels together with row 0
 // and column 0. (Labelling the pixels and sweeping once a layer comes to the
@@ -262,14 +268,18 @@ bool build_peg_mask(BM_GreyMap &grey, BM_MaskMap &mask, int threshold, const Mat
     Limits excluded;  // empty
     if (!exclusion.isEmpty()) excluded = limits_of(exclusion, width, height);
 
+    // Rows outside the box are cleared whole, each run of them in one go: on
+    // a large scan that is most of the picture, and one long write is much
+    // quicker than a row at a time.
+    const bool anyRow = box.hasRow(box.y0);
+    const int firstRow = anyRow ? box.y0 : height, lastRow = anyRow ? box.y1 : height - 1;
+    clear_rows(grey, 0, firstRow);
+    clear_rows(grey, lastRow + 1, height);
+
     DistinctValues values;
     DiscStamp stamp(width, r);
-    for (int y = 0; y < height; ++y) {
+    for (int y = firstRow; y <= lastRow; ++y) {
         uint8_t *g = grey.row(y);
-        if (!box.hasRow(y)) {
-            std::memset(g, 0, static_cast<size_t>(width));
-            continue;
-        }
         std::memset(g, 0, static_cast<size_t>(box.x0));
         std::memset(g + box.x1 + 1, 0, static_cast<size_t>(width - box.x1 - 1));
 

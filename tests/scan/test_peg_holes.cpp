@@ -394,3 +394,41 @@ TEST(RefineDot, WeighsMaskedPixelsByGreyAtTheirIndices) {
     p = refine_dot(mask, grey, {4.5, 4.5}, 3, 3);
     EXPECT_EQ(p, (Math::Point2d{4.5, 4.5}));
 }
+
+// The centroid sums pixel by pixel in row order; any other order rounds
+// differently, so the result must equal a plain sweep to the last bit, for
+// windows that start and end inside mask bytes.
+TEST(RefineDot, EqualsAPlainSweepToTheBit) {
+    std::mt19937 rng(5);
+    for (int round = 0; round < 40; ++round) {
+        const int w = 20 + static_cast<int>(rng() % 90), h = 10 + static_cast<int>(rng() % 30);
+        BM_GreyMap grey(w, h);
+        BM_MaskMap mask(w, h);
+        const unsigned density = rng() % 100;
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                grey.set(x, y, rng() % 4 == 0 ? 0 : rng() % 256);
+                mask.set(x, y, rng() % 100 < density);
+            }
+        const Math::Point2d at{(rng() % (w * 8)) / 8.0, (rng() % (h * 8)) / 8.0};
+        const int width = static_cast<int>(rng() % (w + 10)), height = static_cast<int>(rng() % (h + 10));
+
+        const int x0 = std::max(static_cast<int>(std::floor(at.x - width / 2)), 0);
+        const int x1 = std::min(static_cast<int>(std::ceil(at.x + width / 2)), w - 1);
+        const int y0 = std::max(static_cast<int>(std::floor(at.y - height / 2)), 0);
+        const int y1 = std::min(static_cast<int>(std::ceil(at.y + height / 2)), h - 1);
+        double weight = 0.0, sumX = 0.0, sumY = 0.0;
+        for (int y = y0; y <= y1; ++y)
+            for (int x = x0; x <= x1; ++x)
+                if (mask.get(x, y)) {
+                    const double g = grey.get(x, y) / 255.0;
+                    weight += g;
+                    sumX += g * x;
+                    sumY += g * y;
+                }
+        const Math::Point2d want = weight == 0.0 ? at : Math::Point2d{sumX / weight, sumY / weight};
+        const Math::Point2d got = refine_dot(mask, grey, at, width, height);
+        ASSERT_EQ(got.x, want.x) << "round " << round;
+        ASSERT_EQ(got.y, want.y) << "round " << round;
+    }
+}

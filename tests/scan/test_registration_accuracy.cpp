@@ -94,11 +94,10 @@ TEST(ChartTruth, AngleIsTheSheetsTurnSqueezedAcrossAndZeroWhenStraight) {
 }
 
 TEST(RegistrationAccuracy, CleanChartsAt300DpiOnEverySide) {
-    for (const double field : {12.0, 16.0})
-        for (const FieldChartSkew &skew : kSkews) {
-            const ChartSheet sheet{field, 300, skew};
-            expect_within_goals(regacc::paint_sheet(sheet), sheet);
-        }
+    // Large pictures: three sheets between the two fields.
+    for (const ChartSheet &sheet : {ChartSheet{12.0, 300, kSkews[0]}, ChartSheet{12.0, 300, kSkews[2]},
+                                    ChartSheet{16.0, 300, kSkews[1]}})
+        expect_within_goals(regacc::paint_sheet(sheet), sheet);
 }
 
 // Measured against the painted pixels rather than the geometry, registration
@@ -181,6 +180,23 @@ TEST(RegistrationAccuracy, TwoCentreCandidatesBetweenTheSlotsRefuse) {
         regacc::register_as_station(regacc::scan_sheet(chart, sheet, 1, Depth::Grey), sheet.dpi, 1);
     ASSERT_TRUE(alone.found);
     EXPECT_NEAR(alone.y, c.y() - 0.5 + 0.09 * inch, 0.5);
+}
+
+// The band searched ends an inch from the peg edge. A centre hole just short
+// of its end is found as well as anywhere; one half beyond it is cut to half
+// its area, too small for a centre hole, and the sheet goes unregistered.
+TEST(RegistrationAccuracy, CentreHoleCutByTheEndOfTheBand) {
+    const ChartSheet straight{12.0, 150, {0.05, 0.0, 0.2}};
+    const double depth = 0.25 * straight.dpi * 3150.0 / 3900.0;  // across the squeezed picture
+    ChartSheet near = straight;
+    near.skew = regacc::skew_at_band_end(straight, regacc::Hole::Centre, -0.1 * depth);
+    expect_within_goals(regacc::paint_sheet(near), near, Depth::Grey, kAngleGoal * 2.0);
+
+    ChartSheet cut = straight;
+    cut.skew = regacc::skew_at_band_end(straight, regacc::Hole::Centre, 0.5 * depth);
+    const QImage chart = regacc::paint_sheet(cut);
+    for (int32_t side = 1; side <= 4; ++side)
+        EXPECT_FALSE(regacc::measure_sheet(chart, cut, side).registered) << side;
 }
 
 }  // namespace

@@ -77,10 +77,12 @@ public:
     std::optional<dba_queueEntry_struct> queueEntry(qint64 id) override;
     std::optional<dba_queueEntry_struct> takeQueueEntry(const QString &worker, int leaseSeconds) override;
     int renewQueueLease(qint64 id, const QString &worker, int leaseSeconds) override;
-    int finishQueueEntry(qint64 id) override;
-    int failQueueEntry(qint64 id, const QString &message) override;
+    int finishQueueEntry(qint64 id, const QString &worker = QString()) override;
+    int failQueueEntry(qint64 id, const QString &message, const QString &worker = QString()) override;
+
+    // The library's own state; its units share it, nothing outside sees inside.
+    struct Private;
 
 private:
-    struct Private;
     std::unique_ptr<Private> d;
 };

@@ -34,8 +34,9 @@ public:
     // The element's id and scene id are taken from the database; the other
     // fields from `element`.
     virtual std::optional<LMV_element_data> createElement(qint32 sceneId, const LMV_element_data &element) = 0;
-    // Adds the names the element does not expose yet, after the others. The
-    // number of names added, or -1.
+    // Adds the names the element does not expose yet, after the others, and
+    // gives each a cel when no cel carries that drawing name yet, so that the
+    // drawing selector offers it. The number of names added, or -1.
     virtual int exposeDrawings(qint64 elementId, const QStringList &drawings) = 0;
     // Adds a cel by hand (a drawing with versions, or one drawn elsewhere).
     virtual std::optional<dba_cel_struct> createCel(qint64 elementId, const QString &name, const QString &suffix,
@@ -63,7 +64,9 @@ public:
     virtual std::optional<dba_queueEntry_struct> takeQueueEntry(const QString &worker, int leaseSeconds) = 0;
     // Extends the lease of an entry the worker holds. -1 when it holds none.
     virtual int renewQueueLease(qint64 id, const QString &worker, int leaseSeconds) = 0;
-    // Records the outcome of a taken entry. -1 when the entry is not taken.
-    virtual int finishQueueEntry(qint64 id) = 0;
-    virtual int failQueueEntry(qint64 id, const QString &message) = 0;
+    // Records the outcome of a taken entry. -1 when the entry is not taken,
+    // or, when `worker` is given, not taken by that worker (its lease ran
+    // out and someone else has it now).
+    virtual int finishQueueEntry(qint64 id, const QString &worker = QString()) = 0;
+    virtual int failQueueEntry(qint64 id, const QString &message, const QString &worker = QString()) = 0;
 };

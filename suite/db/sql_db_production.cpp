@@ -1,0 +1,145 @@
+// Making and listing jobs, scenes, elements, exposures and cels.
+#include <QSet>
+
+#include "suite/db/db_rows.h"
+#include "suite/db/sql_db_access.h"
+#include "suite/db/sql_db_access_private.h"
+
+namespace {
+// Runs `insert` (an INSERT ... RETURNING id) in its own transaction and reads
+// the new row back with `reread`.
+template <class T>
+std::optional<T> insertAndRead(SqlDbAccess::Private &d, const QString &insert, const QVariantList &values,
+                               const std::function<std::optional<T>(qint64)> &reread) {
+    if (!d.ready()) return std::nullopt;
+    std::optional<qint64> id;
+    {
+        DbTransaction tx(*d.session);
+        if (!tx.ok()) return d.fail(d.session->lastError()), std::nullopt;
+        id = d.insert(insert, values);
+        if (!id || !tx.commit()) {
+            if (id) d.fail(d.session->lastError());
+            return std::nullopt;
+        }
+    }
+    return reread(*id);
+}
+
+bool requireName(SqlDbAccess::Private &d, const QString &what, const QString &name) {
+    return name.trimmed().isEmpty() ? d.fail(QStringLiteral("a %1 needs a name").arg(what)) : true;
+}
+}  // namespace
+
+std::optional<dba_job_struct> SqlDbAccess::createJob(const QString &name, int pixelShape) {
+    if (!requireName(*d, QStringLiteral("job"), name)) return std::nullopt;
+    if (findJob(name)) return d->fail(QStringLiteral("job %1 exists already").arg(name)), std::nullopt;
+    return insertAndRead<dba_job_struct>(
+        *d, QStringLiteral("INSERT INTO jobs (environment_id, name, pixel_shape) VALUES (?, ?, ?) RETURNING id"),
+        {d->envId, name, pixelShape}, [this](qint64 id) {
+            return d->selectOne<dba_job_struct>(sql(kJobSelect, "WHERE j.id = ?"), {id}, readJob);
+        });
+}
+
+std::optional<dba_scene_struct> SqlDbAccess::createScene(qint64 jobId, const QString &name, const QString &path) {
+    if (!requireName(*d, QStringLiteral("scene"), name)) return std::nullopt;
+    if (findScene(jobId, name)) return d->fail(QStringLiteral("scene %1 exists already").arg(name)), std::nullopt;
+    return insertAndRead<dba_scene_struct>(
+        *d, QStringLiteral("INSERT INTO scenes (job_id, name, path, version) VALUES (?, ?, ?, 1) RETURNING id"),
+        {jobId, name, sqlText(path)}, [this](qint64 id) {
+            return d->selectOne<dba_scene_struct>(sql(kSceneSelect, "WHERE s.id = ?"), {id}, readScene);
+        });
+}
+
+std::optional<LMV_element_data> SqlDbAccess::createElement(qint32 sceneId, const LMV_element_data &e) {
+    if (!requireName(*d, QStringLiteral("element"), e.name)) return std::nullopt;
+    if (findElement(sceneId, e.name))
+        return d->fail(QStringLiteral("element %1 exists already").arg(e.name)), std::nullopt;
+    if (e.scanType < LMV_SCAN_COLOUR || e.scanType > LMV_SCAN_NONE)
+        return d->fail(QStringLiteral("unknown scan type %1").arg(e.scanType)), std::nullopt;
+    return insertAndRead<LMV_element_data>(
+        *d,
+        QStringLiteral("INSERT INTO elements (scene_id, name, path, scan_type, needs_vectorization, uses_pixmap, pf, "
+                       "field_chart, pixel_shape) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id"),
+        {sceneId, e.name, sqlText(e.path), e.scanType, e.needsVectorization, e.usesPixmap ? 1 : 0, e.pf, e.fieldChart,
+         e.pixelShape},
+        [this](qint64 id) { return DBA_elementFromID(id); });
+}
+
+int SqlDbAccess::exposeDrawings(qint64 elementId, const QStringList &drawings) {
+    if (!d->ready()) return -1;
+    if (!DBA_elementFromID(elementId)) return -1;
+    QSet<QString> exposed;
+    QSqlQuery q = d->query();
+    if (!d->exec(q, QStringLiteral("SELECT drawing FROM exposures WHERE element_id = ?"), {elementId})) return -1;
+    while (q.next()) exposed.insert(q.value(0).toString());
+    QSet<QString> withCel;
+    for (const dba_cel_struct &cel : cels(elementId)) withCel.insert(cel.drawingName());
+
+    DbTransaction tx(*d->session);
+    if (!tx.ok()) return d->fail(d->session->lastError()), -1;
+    int added = 0;
+    for (const QString &name : drawings) {
+        if (name.isEmpty() || exposed.contains(name)) continue;
+        if (!d->exec(q, QStringLiteral("INSERT INTO exposures (element_id, drawing) VALUES (?, ?)"), {elementId, name}))
+            return -1;
+        exposed.insert(name);
+        ++added;
+        if (withCel.contains(name)) continue;
+        if (!d->exec(q, QStringLiteral("INSERT INTO cels (element_id, name, suffix) VALUES (?, ?, '')"),
+                     {elementId, name}))
+            return -1;
+        withCel.insert(name);
+    }
+    q.finish();
+    return tx.commit() ? added : (d->fail(d->session->lastError()), -1);
+}
+
+std::optional<dba_cel_struct> SqlDbAccess::createCel(qint64 elementId, const QString &name, const QString &suffix,
+                                                     int versionCount) {
+    if (!requireName(*d, QStringLiteral("cel"), name)) return std::nullopt;
+    return insertAndRead<dba_cel_struct>(
+        *d,
+        QStringLiteral("INSERT INTO cels (element_id, name, suffix, version_count) VALUES (?, ?, ?, ?) RETURNING id"),
+        {elementId, name, sqlText(suffix), versionCount}, [this](qint64 id) {
+            return d->selectOne<dba_cel_struct>(sql(kCelSelect, "WHERE id = ?"), {id}, readCel);
+        });
+}
+
+std::vector<dba_job_struct> SqlDbAccess::jobs() {
+    return d->selectAll<dba_job_struct>(sql(kJobSelect, "WHERE j.environment_id = ? ORDER BY j.name"), {d->envId},
+                                        readJob);
+}
+
+std::vector<dba_scene_struct> SqlDbAccess::scenes(qint64 jobId) {
+    return d->selectAll<dba_scene_struct>(sql(kSceneSelect, "WHERE s.job_id = ? ORDER BY s.name"), {jobId}, readScene);
+}
+
+std::vector<LMV_element_data> SqlDbAccess::elements(qint32 sceneId) {
+    return d->selectAll<LMV_element_data>(sql(kElementSelect, "WHERE scene_id = ? ORDER BY name"), {sceneId},
+                                          readElement);
+}
+
+std::vector<dba_cel_struct> SqlDbAccess::cels(qint64 elementId) {
+    return d->selectAll<dba_cel_struct>(sql(kCelSelect, "WHERE element_id = ? ORDER BY id"), {elementId}, readCel);
+}
+
+std::optional<dba_job_struct> SqlDbAccess::findJob(const QString &name) {
+    auto job = d->selectOne<dba_job_struct>(sql(kJobSelect, "WHERE j.environment_id = ? AND j.name = ?"),
+                                            {d->envId, name}, readJob);
+    if (!job) d->fail(QStringLiteral("no job %1 in environment %2").arg(name, d->env));
+    return job;
+}
+
+std::optional<dba_scene_struct> SqlDbAccess::findScene(qint64 jobId, const QString &name) {
+    auto scene = d->selectOne<dba_scene_struct>(sql(kSceneSelect, "WHERE s.job_id = ? AND s.name = ?"), {jobId, name},
+                                                readScene);
+    if (!scene) d->fail(QStringLiteral("no scene %1").arg(name));
+    return scene;
+}
+
+std::optional<LMV_element_data> SqlDbAccess::findElement(qint32 sceneId, const QString &name) {
+    auto element = d->selectOne<LMV_element_data>(sql(kElementSelect, "WHERE scene_id = ? AND name = ?"),
+                                                  {sceneId, name}, readElement);
+    if (!element) d->fail(QStringLiteral("no element %1").arg(name));
+    return element;
+}

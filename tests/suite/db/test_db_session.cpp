@@ -55,6 +55,25 @@ TEST_P(DbSession, SelectionStartsWithTheUserAndDefaultEnvironmentAndNarrowsDown)
     EXPECT_TRUE(db_->jobs().empty());
 }
 
+TEST_P(DbSession, SettingsFileChoosesUserAndEnvironment) {
+    QTemporaryDir etc;
+    const QByteArray saved = qgetenv("SCAN_ETC");
+    qputenv("SCAN_ETC", etc.path().toLocal8Bit());
+    EXPECT_EQ(db_->dba_read_config_file(), 0);  // no file: nothing changes
+    EXPECT_EQ(db_->envName(), QStringLiteral("default"));
+    QFile conf(etc.filePath(QStringLiteral("database.conf")));
+    ASSERT_TRUE(conf.open(QIODevice::WriteOnly));
+    conf.write("user=ann\nenvironment=night\n");
+    conf.close();
+    EXPECT_EQ(db_->dba_read_config_file(), 0);
+    EXPECT_EQ(db_->userName(), QStringLiteral("ann"));
+    EXPECT_EQ(db_->envName(), QStringLiteral("night"));
+    std::unique_ptr<dba_queue_struct> queue;
+    EXPECT_EQ(db_->dba_OpenQueue(0, db_->envName(), &queue), 0);
+    qputenv("SCAN_ETC", saved);
+    if (saved.isEmpty()) qunsetenv("SCAN_ETC");
+}
+
 DB_BACKEND_TESTS(DbSession);
 
 TEST(DbSessionOpen, UnreachableServerAndUnmakeableFileFail) {

@@ -20,3 +20,5 @@ int run_scanners_command(const QStringList &args);
 int run_info_command(const QStringList &args);
 int run_scan_command(const QStringList &args);
 int run_register_command(const QStringList &args);
+int run_db_command(const QStringList &args);
+int run_queue_command(const QStringList &args);

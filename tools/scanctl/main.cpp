@@ -7,7 +7,7 @@
 #include "tools/scanctl/command.h"
 
 std::span<const ScanctlCommand> scanctl_commands() {
-    static const std::array<ScanctlCommand, 4> commands = {{
+    static const std::array<ScanctlCommand, 6> commands = {{
         {"scanners", "[--host NAME] [--all-hosts] [FILE]",
          "read a Scan.conf as the station does and show what each scanner can do", run_scanners_command},
         {"info", "FILE...", "read scan files as the station loads them and show size, pixels, format and scan information",
@@ -19,6 +19,10 @@ std::span<const ScanctlCommand> scanctl_commands() {
          "scan a list of drawings as the station does, without a window", run_scan_command},
         {"register", "FILE [--side SIDE] [--dpi N] [--threshold T] [--round-holes] [--rdebug]",
          "find the peg holes of a scan file and print the centre peg and the angle", run_register_command},
+        {"db", "init | create-job | create-scene | create-element | expose | show ... [--db URL] [--env NAME]",
+         "make and show the production in the database: jobs, scenes, elements and their drawings", run_db_command},
+        {"queue", "list | show | take | done | fail | add | work ... [--db URL] [--env NAME]",
+         "list, take and finish the entries of the vectorize queue", run_queue_command},
     }};
     return commands;
 }

@@ -1,0 +1,45 @@
+#pragma once
+// What the database commands share: the exit statuses, the options every one
+// of them takes, opening the session and finding a job, scene and element by
+// their names.
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+#include "suite/db/sql_db_access.h"
+#include "tools/scanctl/command_words.h"
+
+enum ScanctlDbStatus {
+    kDbStatusOk = 0,
+    kDbStatusUsage = 1,       // wrong words or values
+    kDbStatusRefused = 2,     // the database can't be opened or refuses: unknown names, duplicates
+    kDbStatusQueueEmpty = 3,  // queue take / work: nothing to take
+};
+
+// "--db URL" and "--env NAME".
+QStringList database_value_options();
+
+// Opens the session on --db, else $SCAN_DB, else the embedded database, and
+// selects the environment of --env when given. Nothing, with `error`, when
+// the database can't be opened.
+std::unique_ptr<SqlDbAccess> open_scanctl_database(const CommandWords &words, QString &error);
+
+// A job, a scene of it and an element of that, as far as `names` goes.
+struct ProductionPath {
+    std::optional<dba_job_struct> job;
+    std::optional<dba_scene_struct> scene;
+    std::optional<LMV_element_data> element;
+};
+
+// Looks up names[0] as a job of the environment, names[1] as a scene of it
+// and names[2] as an element of that scene (as many as are given). False,
+// with `error` naming the first one missing.
+bool find_production(TUDbAdmin &db, const QStringList &names, ProductionPath &found, QString &error);
+
+// The folder of an element: its scene's folder and the element's path.
+QString element_folder(const dba_scene_struct &scene, const LMV_element_data &element);
+
+// Prints "scanctl GROUP: TEXT" on standard error and gives back `status`.
+int report_failure(const char *group, const QString &text, int status);

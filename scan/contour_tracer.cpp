@@ -6,34 +6,27 @@
 #include <cstring>
 #include <vector>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace {
 
 // Directions: 0 left, 1 down, 2 right, 3 up.
 constexpr int kStepX[4] = {-1, 0, 1, 0};
 constexpr int kStepY[4] = {0, 1, 0, -1};
 
-// Clears the outer two pixels of every row and column, and the padding bits
-// after the last pixel, so that no boundary reaches the picture's edge.
-void clear_frame(BM_MaskMap &mask) {
-    const int w = mask.width(), h = mask.height(), stride = mask.bytesPerRow();
-    if (w < 5 || h < 5) {
-        mask.clear();
-        return;
-    }
-    for (int y : {0, 1, h - 2, h - 1}) std::memset(mask.row(y), 0, static_cast<size_t>(stride));
-    const int lastKept = w - 3;  // columns w - 2 and beyond go
-    const int keepByte = lastKept >> 3;
-    const uint8_t keepBits = static_cast<uint8_t>(0xff00u >> ((lastKept & 7) + 1));
-    for (int y = 2; y < h - 2; ++y) {
-        uint8_t *r = mask.row(y);
-        r[0] &= 0x3f;
-        r[keepByte] &= keepBits;
-        std::memset(r + keepByte + 1, 0, static_cast<size_t>(stride - keepByte - 1));
-    }
-}
-
+// Most rows of a scan's mask are empty: they are read 64 bytes at a time.
 bool row_is_empty(const uint8_t *r, int bytes) {
     int i = 0;
+#if defined(__SSE2__)
+    for (; i + 64 <= bytes; i += 64) {
+        const auto *v = reinterpret_cast<const __m128i *>(r + i);
+        const __m128i any = _mm_or_si128(_mm_or_si128(_mm_loadu_si128(v), _mm_loadu_si128(v + 1)),
+                                         _mm_or_si128(_mm_loadu_si128(v + 2), _mm_loadu_si128(v + 3)));
+        if (_mm_movemask_epi8(_mm_cmpeq_epi8(any, _mm_setzero_si128())) != 0xffff) return false;
+    }
+#endif
     for (; i + 8 <= bytes; i += 8) {
         uint64_t v;
         std::memcpy(&v, r + i, 8);
@@ -42,6 +35,41 @@ bool row_is_empty(const uint8_t *r, int bytes) {
     for (; i < bytes; ++i)
         if (r[i]) return false;
     return true;
+}
+
+// The rows that hold set pixels once the frame is cleared.
+struct SetRows {
+    int first = 0, last = -1;
+    bool empty() const { return first > last; }
+};
+
+// Clears the outer two pixels of every row and column, and the padding bits
+// after the last pixel, so that no boundary reaches the picture's edge, and
+// finds the first and last rows left with set pixels. One pass over the
+// mask does both: an empty row has no frame to clear.
+SetRows clear_frame(BM_MaskMap &mask) {
+    const int w = mask.width(), h = mask.height(), stride = mask.bytesPerRow();
+    SetRows rows;
+    if (w < 5 || h < 5) {
+        mask.clear();
+        return rows;
+    }
+    for (int y : {0, 1, h - 2, h - 1}) std::memset(mask.row(y), 0, static_cast<size_t>(stride));
+    const int lastKept = w - 3;  // columns w - 2 and beyond go
+    const int keepByte = lastKept >> 3;
+    const uint8_t keepBits = static_cast<uint8_t>(0xff00u >> ((lastKept & 7) + 1));
+    rows.first = h;
+    for (int y = 2; y < h - 2; ++y) {
+        uint8_t *r = mask.row(y);
+        if (row_is_empty(r, stride)) continue;
+        r[0] &= 0x3f;
+        r[keepByte] &= keepBits;
+        std::memset(r + keepByte + 1, 0, static_cast<size_t>(stride - keepByte - 1));
+        if (row_is_empty(r, keepByte + 1)) continue;
+        rows.first = std::min(rows.first, y);
+        rows.last = y;
+    }
+    return rows;
 }
 
 // One boundary walk over the mask. The marks hold two bits a pixel: 2 when
@@ -144,13 +172,10 @@ void trace_contours(ContourTracer &tracer, std::vector<GR_BezierPath2d> &out) {
     if (!tracer.mask) return;
     BM_MaskMap &mask = *tracer.mask;
     const int width = mask.width(), height = mask.height();
-    clear_frame(mask);
-
+    const SetRows rows = clear_frame(mask);
+    if (rows.empty()) return;
+    const int first = rows.first, last = rows.last;
     const int rowBytes = (width + 7) / 8;
-    int first = 0, last = height - 1;
-    while (first < height && row_is_empty(mask.row(first), rowBytes)) ++first;
-    if (first == height) return;
-    while (row_is_empty(mask.row(last), rowBytes)) --last;
 
     // Walks touch the marks only from the row above the first set row to
     // the row below the last one; only those rows need clearing.

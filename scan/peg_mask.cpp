@@ -95,12 +95,6 @@ public:
         hits_.assign(static_cast<size_t>(words_), 0);
         widened_.assign(static_cast<size_t>(radius + 1), std::vector<uint64_t>(static_cast<size_t>(words_), 0));
         bytes_.assign(static_cast<size_t>(radius + 1), std::vector<uint8_t>(static_cast<size_t>(words_) * 8, 0));
-        for (int v = 0; v < 256; ++v) {
-            unsigned r = 0;
-            for (int b = 0; b < 8; ++b)
-                if (v & (1 << b)) r |= 0x80u >> b;
-            reversed_[v] = static_cast<uint8_t>(r);
-        }
     }
 
     // Notes the pixels of g[x0..x1] brighter than `threshold`.
@@ -179,18 +173,25 @@ private:
             out[static_cast<size_t>(w)] = cur | (cur << 1) | (prev >> 63) | (cur >> 1) | (next << 63);
         }
     }
-    // Mask rows put x = 0 in bit 7 of the first byte.
-    void toMaskBytes(const std::vector<uint64_t> &words, std::vector<uint8_t> &bytes, int lo, int hi) const {
+    // Mask rows put x = 0 in bit 7 of the first byte: the bits of each byte
+    // of a word are reversed, all eight bytes at once, and the word is stored
+    // low byte first.
+    static void toMaskBytes(const std::vector<uint64_t> &words, std::vector<uint8_t> &bytes, int lo, int hi) {
         for (int w = lo; w <= hi; ++w) {
-            const uint64_t v = words[static_cast<size_t>(w)];
-            uint8_t *out = bytes.data() + static_cast<size_t>(w) * 8;
-            for (int j = 0; j < 8; ++j) out[j] = reversed_[(v >> (8 * j)) & 0xff];
+            uint64_t v = words[static_cast<size_t>(w)];
+            if (v) {
+                v = ((v >> 1) & 0x5555555555555555u) | ((v & 0x5555555555555555u) << 1);
+                v = ((v >> 2) & 0x3333333333333333u) | ((v & 0x3333333333333333u) << 2);
+                v = ((v >> 4) & 0x0f0f0f0f0f0f0f0fu) | ((v & 0x0f0f0f0f0f0f0f0fu) << 4);
+            }
+            uint8_t bytesOfWord[8];
+            for (int j = 0; j < 8; ++j) bytesOfWord[j] = static_cast<uint8_t>(v >> (8 * j));
+            std::memcpy(bytes.data() + static_cast<size_t>(w) * 8, bytesOfWord, 8);
         }
     }
 
     int width_, radius_, words_;
     std::array<int, 2 * kMaxRadius + 1> halfWidth_{};
-    std::array<uint8_t, 256> reversed_{};
     std::vector<uint64_t> hits_;
     std::vector<std::vector<uint64_t>> widened_;  // by half width 0..radius
     std::vector<std::vector<uint8_t>> bytes_;     // the same in mask byte order

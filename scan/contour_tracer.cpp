@@ -76,8 +76,10 @@ SetRows clear_frame(BM_MaskMap &mask) {
 // the crack under it was walked, 1 when the crack to its right was.
 class BoundaryWalker {
 public:
-    BoundaryWalker(const BM_MaskMap &mask, BM_MarkMap &marks)
-        : mask_(mask.data()), maskStride_(mask.bytesPerRow()), marks_(marks.data()), markStride_(marks.bytesPerRow()) {}
+    // `marks` row 0 stands for mask row `marksTop`.
+    BoundaryWalker(const BM_MaskMap &mask, BM_MarkMap &marks, int marksTop)
+        : mask_(mask.data()), maskStride_(mask.bytesPerRow()), marks_(marks.data()), markStride_(marks.bytesPerRow()),
+          marksTop_(marksTop) {}
 
     bool crackUnderWalked(int x, int y) const { return markOf(x, y) & 2u; }
 
@@ -145,10 +147,11 @@ private:
     unsigned value(int x, int y) const {
         return (mask_[static_cast<size_t>(y) * maskStride_ + static_cast<size_t>(x >> 3)] >> (7 - (x & 7))) & 1u;
     }
-    uint8_t &markByte(int x, int y) { return marks_[static_cast<size_t>(y) * markStride_ + static_cast<size_t>(x >> 2)]; }
-    unsigned markOf(int x, int y) const {
-        return (marks_[static_cast<size_t>(y) * markStride_ + static_cast<size_t>(x >> 2)] >> (6 - 2 * (x & 3))) & 3u;
+    size_t markAt(int x, int y) const {
+        return static_cast<size_t>(y - marksTop_) * markStride_ + static_cast<size_t>(x >> 2);
     }
+    uint8_t &markByte(int x, int y) { return marks_[markAt(x, y)]; }
+    unsigned markOf(int x, int y) const { return (marks_[markAt(x, y)] >> (6 - 2 * (x & 3))) & 3u; }
     void addMark(int x, int y, unsigned v) { markByte(x, y) |= static_cast<uint8_t>(v << (6 - 2 * (x & 3))); }
 
     // The crack on side d of pixel (x, y): the left and upper cracks are
@@ -163,6 +166,7 @@ private:
     size_t maskStride_;
     uint8_t *marks_;
     size_t markStride_;
+    int marksTop_;
     std::vector<Doubled> points_;
 };
 
@@ -178,13 +182,16 @@ void trace_contours(ContourTracer &tracer, std::vector<GR_BezierPath2d> &out) {
     const int rowBytes = (width + 7) / 8;
 
     // Walks touch the marks only from the row above the first set row to
-    // the row below the last one; only those rows need clearing.
+    // the row below the last one: marks are kept for those rows alone, and
+    // marks already there are cleared instead of made anew.
+    const int m0 = std::max(first - 1, 0), m1 = std::min(last + 1, height - 1);
     BM_MarkMap &marks = tracer.marks;
-    if (marks.width() != width || marks.height() != height) {
-        marks.allocate(width, height);
+    if (marks.width() != width || m0 < tracer.marksTop || m1 >= tracer.marksTop + marks.height()) {
+        marks.allocate(width, m1 - m0 + 1);
+        tracer.marksTop = m0;
     } else {
-        const int m0 = std::max(first - 1, 0), m1 = std::min(last + 1, height - 1);
-        std::memset(marks.row(m0), 0, static_cast<size_t>(marks.bytesPerRow()) * static_cast<size_t>(m1 - m0 + 1));
+        std::memset(marks.row(m0 - tracer.marksTop), 0,
+                    static_cast<size_t>(marks.bytesPerRow()) * static_cast<size_t>(m1 - m0 + 1));
     }
 
     int x0 = 0, x1 = width - 1, y0 = first, y1 = last;
@@ -195,7 +202,7 @@ void trace_contours(ContourTracer &tracer, std::vector<GR_BezierPath2d> &out) {
         y1 = std::min(y1, static_cast<int>(std::min(std::ceil(tracer.limit.y1), static_cast<double>(height))));
     }
 
-    BoundaryWalker walker(mask, marks);
+    BoundaryWalker walker(mask, marks, tracer.marksTop);
     // Every region has a bottom edge in a row where it has set pixels, so a
     // zero byte of the row being read can be passed over whole.
     for (int y = y0; y <= y1; ++y) {

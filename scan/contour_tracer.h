@@ -10,7 +10,11 @@
 
 struct ContourTracer {
     BM_MaskMap *mask = nullptr;  // its outer two pixels are cleared by the trace
-    BM_MarkMap marks;            // walked cracks; sized to the mask by the trace
+    // Walked cracks of the mask's rows from `marksTop` down, as many rows as
+    // the last trace reached; the trace places and sizes them itself, and
+    // reuses them when they cover the rows it needs.
+    BM_MarkMap marks;
+    int marksTop = 0;
     bool limited = false;        // registration traces the whole mask
     Math::Box2d limit;
 };

@@ -10,6 +10,7 @@
 #include "scan/twain_device_list.h"
 #include "suite/base/assertion.h"
 #include "suite/base/msg_scope.h"
+#include "suite/db/tudbaccess.h"
 #include "workflow/dbinfo.h"
 #include "workflow/drawing_list.h"
 #include "workflow/scan_procs.h"
@@ -175,7 +176,8 @@ ScanConfig *ScanConfigCreate(const QString &path, ScanWindow *mainWindow) {
     config->twain_list = load_TwainDeviceList();
     config->twain_settings = take_TWAIN_of_ScannerList(config->scanner_list.get());
     if (!config->twain_settings) config->twain_settings = std::make_unique<ScannerEntry>();
-    // The database reads its own configuration when it opens.
+    // The station's defaults of user and environment, when it has a database.
+    if (TUDbAccess *db = mainWindow->database()) db->dba_read_config_file();
 
     set_pixel_shape_of_ScanConfig(config, 1);
     if (scanner_count_of_ScanConfig(config) > 0) fill_scanner_menu(config);
@@ -296,6 +298,12 @@ void set_drawing_list_of_ScanConfig(ScanConfig *config, DrawingList *list) {
     if (config->drawing_list != list) delete config->drawing_list;
     config->drawing_list = list;
     set_can_save_of_ScanConfig(config, false);
+}
+
+void set_binding_of_ScanConfig(ScanConfig *config, DatabaseBinding *binding) {
+    LMV_ASSERT_VOID(config != nullptr);
+    if (config->binding != binding) DatabaseBindingDestroy(config->binding);
+    config->binding = binding;
 }
 
 void select_scanner_of_ScanConfig(ScanConfig *config, int32_t index) {

@@ -145,6 +145,8 @@ void set_create_scaninfo_of_ScanConfig(ScanConfig *config, bool on);
 // Setters that do more.
 // Replacing the list deletes the old one and takes Save away.
 void set_drawing_list_of_ScanConfig(ScanConfig *config, DrawingList *list);
+// Takes the binding over and destroys the old one.
+void set_binding_of_ScanConfig(ScanConfig *config, DatabaseBinding *binding);
 void select_scanner_of_ScanConfig(ScanConfig *config, int32_t index);
 void set_database_of_ScanConfig(ScanConfig *config, bool on);
 // Switching on asks the pencil test question; anything but Yes leaves it off.

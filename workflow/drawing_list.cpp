@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "suite/base/assertion.h"
+#include "suite/db/tudbaccess.h"
 #include "workflow/config.h"
 #include "workflow/dbinfo.h"
 #include "workflow/scan_window.h"
@@ -120,6 +121,20 @@ void next_of_DrawingList(DrawingList *list) {
     list->view->scrollToCurrent();
 }
 
+namespace {
+
+// What both kinds of list do after the names are in: mode, pixel shape,
+// state, title and controls.
+void finish_list(ScanConfig *config, bool database, int32_t pixelShape) {
+    set_database_of_ScanConfig(config, database);
+    set_pixel_shape_of_ScanConfig(config, pixelShape);
+    SetInterfaceState(config, INTERFACE_IDLE);
+    main_interface_of_ScanConfig(config)->setWindowTitle(list_title_of_ScanConfig(config));
+    refresh_of_ScanConfig(config);
+}
+
+}  // namespace
+
 void build_manual_list(ScanConfig *config, const QStringList &names) {
     LMV_ASSERT_VOID(config);
     ScanWindow *window = main_interface_of_ScanConfig(config);
@@ -129,12 +144,20 @@ void build_manual_list(ScanConfig *config, const QStringList &names) {
     set_path_of_ScanConfig(config, window->manualListPath());
     set_prefix_of_ScanConfig(config, window->manualListPrefix());
     add_all(list, names);
+    finish_list(config, false, 1);
+}
 
-    set_database_of_ScanConfig(config, false);
-    set_pixel_shape_of_ScanConfig(config, 1);
-    SetInterfaceState(config, INTERFACE_IDLE);
-    window->setWindowTitle(list_title_of_ScanConfig(config));
-    refresh_of_ScanConfig(config);
+void build_database_list(ScanConfig *config, const QStringList &names) {
+    LMV_ASSERT_VOID(config);
+    ScanWindow *window = main_interface_of_ScanConfig(config);
+    LMV_ASSERT_VOID(window && window->drawingListView());
+    TUDbAccess *db = window->database();
+    LMV_ASSERT_VOID(db);
+
+    add_all(fresh_list(config, window->drawingListView()), names);
+    const dba_job_struct *job = db->openJob();
+    LMV_ASSERT_VOID(job);
+    finish_list(config, true, job->pixelShape);
 }
 
 void reverse_list(ScanConfig *config) {
@@ -156,8 +179,10 @@ QString list_title_of_ScanConfig(const ScanConfig *config) {
     LMV_ASSERT_RET(config, QString());
     QString title = QCoreApplication::translate("kqScan", "Scan: ");
     if (!database_of_ScanConfig(config)) return title + QCoreApplication::translate("kqScan", "Manual List");
-    // TODO(database): the full path is environment -> job -> "scene " scene ->
-    // "element " element, read from TUDbAccess (envName, jobName, sceneName).
-    // Until the database access exists the title names the element alone.
-    return title + QCoreApplication::translate("kqScan", "element ") + name_of_DatabaseBinding(binding_of_ScanConfig(config));
+    const TUDbAccess *db = database_of_DatabaseBinding(binding_of_ScanConfig(config));
+    LMV_ASSERT_RET(db, title);
+    const QString arrow = QStringLiteral(" -> ");
+    return title + db->envName() + arrow + db->jobName() + arrow + QCoreApplication::translate("kqScan", "scene ") +
+           db->sceneName() + arrow + QCoreApplication::translate("kqScan", "element ") +
+           name_of_DatabaseBinding(binding_of_ScanConfig(config));
 }

@@ -43,6 +43,10 @@ void next_of_DrawingList(DrawingList *list);
 
 // Building a list replaces the session's list.
 void build_manual_list(ScanConfig *config, const QStringList &names);
+// The drawings chosen of the bound element, in the selector's order; the
+// pixel shape comes from the open job.
+void build_database_list(ScanConfig *config, const QStringList &names);
 void reverse_list(ScanConfig *config);
-// The title after a list was built: "Scan: Manual List" or the database path.
+// The title after a list was built: "Scan: Manual List", or in database mode
+// "Scan: ENV -> JOB -> scene SCENE -> element ELEMENT".
 QString list_title_of_ScanConfig(const ScanConfig *config);

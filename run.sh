@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs the station's main job on the
 # embedded sample: a sample Scan.conf for this machine with the test scanner,
-# and a headless scan of a sample list of twelve drawings.
+# a sample production database, and a headless scan of twelve drawings of its
+# element, which then wait on the vectorize queue.
 set -euo pipefail
 cd "$(dirname "$0")"
 scripts/install-deps.sh
@@ -17,13 +18,32 @@ if [ ! -f "$etc/Scan.conf" ]; then
 fi
 export SCAN_ETC=$etc
 
+# The sample production: its own embedded database in the per-user sample
+# folder (never the user's real one), with one job, one scene whose folder is
+# in the sample folder, and one colour element to be vectorized that exposes
+# drawings 1 to 12. Made on first use.
+sample=${SCAN_SAMPLE_DIR:-${XDG_DATA_HOME:-$HOME/.local/share}/scanstation/sample}
+db=${SCAN_SAMPLE_DB:-$sample/production.db}
+scanctl=build/bin/scanctl
+mkdir -p "$sample"
+if [ ! -f "$db" ]; then
+  echo "== Making the sample production database $db =="
+  $scanctl db init --db "$db"
+  $scanctl db create-job Sample --db "$db"
+  $scanctl db create-scene Sample sc01 --path "$sample/sc01" --db "$db"
+  $scanctl db create-element Sample sc01 Anim --scan-type colour --vectorize vectorize --field 12 --db "$db"
+  $scanctl db expose Sample sc01 Anim "1:12" --db "$db"
+fi
+
 # The sample list, fed through the test scanner's feeder: each sheet comes in a
-# little crooked and is registered on its peg holes, turned square and cut to the field.
-scans=${SCAN_SAMPLE_DIR:-${XDG_DATA_HOME:-$HOME/.local/share}/scanstation/sample-scans}
-mkdir -p "$scans"
-echo "== Scanning drawings 1 to 12 with the test scanner of $etc/Scan.conf =="
+# little crooked and is registered on its peg holes, turned square and cut to
+# the field, saved in the element's folder, marked scanned and queued.
+echo "== Scanning drawings 1 to 12 of Sample -> sc01 -> Anim with the test scanner of $etc/Scan.conf =="
 status=0
-build/bin/scanctl scan --conf "$etc/Scan.conf" --scanner "Test Scanner" --depth colour --dpi 300 --field 12 \
-  --feed autofeed --on-register-failure retry --scaninfo-files --path "$scans" --prefix sample --list "1:12" >/dev/null || status=$?
-echo "The scan files are in $scans; 'build/bin/scanctl info $scans/sample-1.tif' shows one."
+$scanctl scan --db "$db" --conf "$etc/Scan.conf" --scanner "Test Scanner" --dpi 300 \
+  --feed autofeed --on-register-failure retry --scaninfo-files \
+  --job Sample --scene sc01 --element Anim --drawings "1:12" >/dev/null || status=$?
+echo "The scan files are in $sample/sc01/Anim; '$scanctl info $sample/sc01/Anim/Anim-1.tif' shows one."
+echo "== The vectorize queue =="
+$scanctl queue list --db "$db" || status=$?
 exit $status

@@ -1,16 +1,22 @@
 // scanctl scan: a session without a window. The settings are chosen as the
 // operator would choose them in the menus, the list is built as the manual
-// list dialog builds it, and Scan is pressed until the list is done.
+// list dialog builds it (or, for an element of the production database, as
+// the drawing selector and the binding build it), and Scan is pressed until
+// the list is done.
 #include <QDir>
 #include <QFileInfo>
 
 #include <cstdio>
+#include <functional>
 
 #include "scan/scanner_list.h"
 #include "suite/base/osw_util.h"
+#include "suite/db/drawing_selection_data.h"
+#include "suite/db/sql_db_access.h"
 #include "tools/scanctl/command.h"
 #include "tools/scanctl/scan_arguments.h"
 #include "workflow/config.h"
+#include "workflow/dbinfo.h"
 #include "workflow/drawing_list.h"
 #include "workflow/manual_list_syntax.h"
 #include "workflow/scan_procs.h"
@@ -175,6 +181,103 @@ int summary(ScanConfig *config, const QString &folder) {
     return scanned == total ? 0 : 2;
 }
 
+// Builds the session's list once scanner and settings are chosen; false
+// with `error` when there is nothing to scan.
+using ListBuilder = std::function<bool(ScanConfig *config, QString &error)>;
+
+// One session on the command line's window: the scanner, the list, the
+// settings, then Scan until the list is done. The exit status.
+int run_session(const ScanArguments &a, CommandLineWindow &window, const ListBuilder &build) {
+    window.misfeedAnswer = a.onMisfeed;
+    window.registrationAnswer = a.onRegisterFailure;
+    window.list.onRowText = [](int, const QString &text) { say(text); };
+
+    const QString conf =
+        a.conf.isEmpty() ? oswRemapPath::RemapPath2(oswUtil::LMVEtc() + QStringLiteral("/Scan.conf")) : a.conf;
+    ScanConfig *config = ScanConfigCreate(conf, &window);
+    if (!config) return 1;
+    struct Destroy {
+        ScanConfig *config;
+        ~Destroy() { ScanConfigDestroy(config); }
+    } destroy{config};
+    if (scanner_count_of_ScanConfig(config) == 0)
+        return usage_error(QStringLiteral("%1 gives this station no scanner").arg(conf));
+    QString error;
+    if (!choose_scanner(config, a.scanner, error) || !build(config, error) || !apply_settings(config, a, error))
+        return usage_error(error);
+
+    const bool intoElement = database_of_ScanConfig(config);
+    if (intoElement && !binding_fits_depth(binding_of_ScanConfig(config), depth_of_ScanConfig(config)))
+        return usage_error(QStringLiteral("no scanner of this station scans the drawings of element '%1'").arg(a.element));
+    const QString folder = intoElement ? path_of_DatabaseBinding(binding_of_ScanConfig(config)) : a.path;
+    say(QStringLiteral("Scanning %1 drawings with %2: %3")
+            .arg(count_of_DrawingList(drawing_list_of_ScanConfig(config)))
+            .arg(scanner_name_of_ScanConfig(config), summary_of_ScanConfig(config)));
+    press_scan_until_done(config);
+    return summary(config, folder);
+}
+
+// Job, scene and element as the database selector chooses them.
+bool select_element(SqlDbAccess &db, const ScanArguments &a, QString &error) {
+    if (db.selectJob(a.job) != 0) {
+        error = QStringLiteral("no job '%1' in environment '%2'").arg(a.job, db.envName());
+        return false;
+    }
+    if (db.selectScene(a.scene) != 0) {
+        error = QStringLiteral("no scene '%1' in job '%2'").arg(a.scene, a.job);
+        return false;
+    }
+    if (db.selectElement(a.element) != 0) {
+        error = QStringLiteral("no element '%1' in scene '%2'").arg(a.element, a.scene);
+        return false;
+    }
+    return true;
+}
+
+// The drawings of the element to scan: those named, or the ones its scene
+// exposes that were never scanned, in the selector's order.
+bool element_drawings(SqlDbAccess &db, const ScanArguments &a, QStringList &names, QString &error) {
+    if (!a.unscanned) return list_names(a.drawings, names, error);
+    for (const DrawingSelectorRow &row : drawingSelectorRows(db, db.openScene(), db.selectedElementId()))
+        if (!row.scanned) names << row.name;
+    if (names.isEmpty()) error = QStringLiteral("element '%1' has no unscanned drawings").arg(a.element);
+    return !names.isEmpty();
+}
+
+// The element's drawings into its folder, with their cels marked and their
+// queue entries added.
+int scan_into_element(const ScanArguments &a) {
+    SqlDbAccess db(a.db);
+    db.dba_Initialize2dSystem(QStringLiteral("Scan"));
+    if (db.dba_Open2dDatabaseSession() == -1) {
+        say(QStringLiteral("scanctl scan: cannot open the production database %1: %2")
+                .arg(db.connectionString(), db.lastError()));
+        return 1;
+    }
+    CommandLineWindow window;
+    window.databaseAccess = &db;
+    window.manualList = false;
+    return run_session(a, window, [&](ScanConfig *config, QString &error) {
+        QStringList names;
+        if (!select_element(db, a, error) || !element_drawings(db, a, names, error)) return false;
+        const ScannerEntry *chosen = scanner_of_ScanConfig(config);
+        if (!bind_element_of_ScanConfig(config, db.selectedElementId(), names)) {
+            error = QStringLiteral("the folder of element '%1' was not found").arg(a.element);
+            return false;
+        }
+        // Database mode keeps only the scanners that can scan the element.
+        if (!a.scanner.isEmpty() && scanner_of_ScanConfig(config) != chosen) {
+            error = QStringLiteral("scanner '%1' cannot scan the drawings of element '%2'").arg(a.scanner, a.element);
+            return false;
+        }
+        if (a.depth && !binding_fits_depth(binding_of_ScanConfig(config), *a.depth)) {
+            error = QStringLiteral("element '%1' is not scanned at that depth").arg(a.element);
+            return false;
+        }
+        return true;
+    });
+}
+
 }  // namespace
 
 int run_scan_command(const QStringList &args) {
@@ -185,32 +288,16 @@ int run_scan_command(const QStringList &args) {
         std::fputs(kScanUsage, stdout);
         return 0;
     }
+    if (a->intoDatabase()) return scan_into_element(*a);
+
     if (!QFileInfo(a->path).isDir()) return usage_error(QStringLiteral("Path \"%1\" does not exist.").arg(a->path));
     QStringList names;
     if (!list_names(a->list, names, error)) return usage_error(error);
-
     CommandLineWindow window;
-    window.misfeedAnswer = a->onMisfeed;
-    window.registrationAnswer = a->onRegisterFailure;
     window.manualPath = a->path;
     window.manualPrefix = a->prefix;
-    window.list.onRowText = [](int, const QString &text) { say(text); };
-
-    const QString conf =
-        a->conf.isEmpty() ? oswRemapPath::RemapPath2(oswUtil::LMVEtc() + QStringLiteral("/Scan.conf")) : a->conf;
-    ScanConfig *config = ScanConfigCreate(conf, &window);
-    if (!config) return 1;
-    struct Destroy {
-        ScanConfig *config;
-        ~Destroy() { ScanConfigDestroy(config); }
-    } destroy{config};
-    if (scanner_count_of_ScanConfig(config) == 0)
-        return usage_error(QStringLiteral("%1 gives this station no scanner").arg(conf));
-    if (!choose_scanner(config, a->scanner, error) || !apply_settings(config, *a, error)) return usage_error(error);
-
-    build_manual_list(config, names);
-    say(QStringLiteral("Scanning %1 drawings with %2: %3").arg(names.size()).arg(scanner_name_of_ScanConfig(config),
-                                                                               summary_of_ScanConfig(config)));
-    press_scan_until_done(config);
-    return summary(config, a->path);
+    return run_session(*a, window, [&](ScanConfig *config, QString &) {
+        build_manual_list(config, names);
+        return true;
+    });
 }

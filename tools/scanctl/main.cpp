@@ -15,8 +15,11 @@ std::span<const ScanctlCommand> scanctl_commands() {
         {"scan",
          "[--conf FILE] [--scanner NAME] [--depth D] [--dpi N] [--field F] [--peg SIDE] [--feed MODE] "
          "[--optical|--no-optical] [--flip] [--scaninfo-files] [--path DIR] [--prefix P] --list LIST "
-         "[--on-misfeed A] [--on-register-failure A]",
-         "scan a list of drawings as the station does, without a window", run_scan_command},
+         "[--on-misfeed A] [--on-register-failure A] | --job J --scene S --element E "
+         "(--drawings LIST | --unscanned) [--db URL] ...",
+         "scan a list of drawings as the station does, without a window, into a folder or an element of the "
+         "production database",
+         run_scan_command},
         {"register", "FILE [--side SIDE] [--dpi N] [--threshold T] [--round-holes] [--rdebug]",
          "find the peg holes of a scan file and print the centre peg and the angle", run_register_command},
         {"db", "init | create-job | create-scene | create-element | expose | show ... [--db URL] [--env NAME]",

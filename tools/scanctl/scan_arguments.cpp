@@ -18,6 +18,13 @@ const char *const kScanUsage =
     "  left out are the scanner's defaults; the feed mode sets optical registration\n"
     "  as the feed menu does, and --optical or --no-optical then override it.\n"
     "  The operator's answers come from the two --on- policies (default: stop).\n"
+    "  With --job, --scene and --element the drawings of that element of the\n"
+    "  production database are scanned into the element's folder, their cels are\n"
+    "  marked and, when the element wants it, they go on the vectorize queue.\n"
+    "  --drawings names them as --list does; --unscanned takes those the scene\n"
+    "  exposes that were never scanned. The element's scan type gives the depth and\n"
+    "  its field chart the field. The database is --db (a SQLite file or a\n"
+    "  postgresql:// address), else $SCAN_DB, else the embedded default.\n"
     "  Exit status: 0 every drawing scanned, 2 the list ended early, 1 usage error.\n";
 
 namespace {
@@ -27,6 +34,17 @@ std::optional<T> lookup(const std::map<QString, T> &table, const QString &word) 
     const auto it = table.find(word);
     if (it == table.end()) return std::nullopt;
     return it->second;
+}
+
+// What is wrong with the words of a scan into the database; empty when nothing.
+QString check_database_words(const ScanArguments &a, bool listGiven, bool drawingsGiven, bool folderGiven) {
+    if (a.job.isEmpty() || a.scene.isEmpty() || a.element.isEmpty())
+        return QStringLiteral("--job, --scene and --element go together");
+    if (drawingsGiven == a.unscanned) return QStringLiteral("give either --drawings or --unscanned");
+    if (listGiven) return QStringLiteral("--list is for a folder; name the element's drawings with --drawings");
+    if (folderGiven) return QStringLiteral("the element's folder holds its drawings: --path and --prefix do not apply");
+    if (a.field) return QStringLiteral("the element's field chart gives the field: --field does not apply");
+    return QString();
 }
 
 }  // namespace
@@ -49,7 +67,7 @@ std::optional<ScanArguments> parse_scan_arguments(const QStringList &args, QStri
                                                                    {"skip", RegistrationAnswer::SkipDrawing},
                                                                    {"stop", RegistrationAnswer::StopScanning}};
     ScanArguments a;
-    bool listGiven = false;
+    bool listGiven = false, drawingsGiven = false, folderGiven = false;
     for (qsizetype i = 0; i < args.size(); ++i) {
         const QString &word = args[i];
         const auto value = [&]() -> std::optional<QString> {
@@ -69,6 +87,8 @@ std::optional<ScanArguments> parse_scan_arguments(const QStringList &args, QStri
             a.flip = true;
         } else if (word == QLatin1String("--scaninfo-files")) {
             a.scaninfoFiles = true;
+        } else if (word == QLatin1String("--unscanned")) {
+            a.unscanned = true;
         } else if (word == QLatin1String("--optical") || word == QLatin1String("--no-optical")) {
             a.optical = word == QLatin1String("--optical");
         } else {
@@ -96,11 +116,24 @@ std::optional<ScanArguments> parse_scan_arguments(const QStringList &args, QStri
                 if (!(a.feed = lookup(feeds, *v))) return bad(*v);
             } else if (word == QLatin1String("--path")) {
                 a.path = *v;
+                folderGiven = true;
             } else if (word == QLatin1String("--prefix")) {
                 a.prefix = *v;
+                folderGiven = true;
             } else if (word == QLatin1String("--list")) {
                 a.list = *v;
                 listGiven = true;
+            } else if (word == QLatin1String("--db")) {
+                a.db = *v;
+            } else if (word == QLatin1String("--job")) {
+                a.job = *v;
+            } else if (word == QLatin1String("--scene")) {
+                a.scene = *v;
+            } else if (word == QLatin1String("--element")) {
+                a.element = *v;
+            } else if (word == QLatin1String("--drawings")) {
+                a.drawings = *v;
+                drawingsGiven = true;
             } else if (word == QLatin1String("--on-misfeed")) {
                 const auto answer = lookup(misfeeds, *v);
                 if (!answer) return bad(*v);
@@ -115,9 +148,14 @@ std::optional<ScanArguments> parse_scan_arguments(const QStringList &args, QStri
             }
         }
     }
-    if (!a.help && !listGiven) {
+    if (a.help) return a;
+    if (!a.job.isEmpty() || !a.scene.isEmpty() || !a.element.isEmpty()) {
+        error = check_database_words(a, listGiven, drawingsGiven, folderGiven);
+    } else if (drawingsGiven || a.unscanned || !a.db.isEmpty()) {
+        error = QStringLiteral("--drawings, --unscanned and --db need --job, --scene and --element");
+    } else if (!listGiven) {
         error = QStringLiteral("--list is required");
-        return std::nullopt;
     }
+    if (!error.isEmpty()) return std::nullopt;
     return a;
 }

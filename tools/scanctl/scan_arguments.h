@@ -8,6 +8,8 @@
 #include "workflow/scan_window.h"
 
 struct ScanArguments {
+    bool intoDatabase() const { return !job.isEmpty(); }
+
     QString conf;     // empty: the station's own Scan.conf
     QString scanner;  // empty: the first scanner
     std::optional<int> depth;    // ScanDepth
@@ -21,6 +23,13 @@ struct ScanArguments {
     QString path = QStringLiteral(".");
     QString prefix;
     QString list;
+    // Scanning into an element of the production database instead of a folder.
+    QString db;        // empty: $SCAN_DB, else the embedded default
+    QString job;
+    QString scene;
+    QString element;
+    QString drawings;  // the drawings to scan, in the manual list's syntax
+    bool unscanned = false;  // instead: the exposed drawings not scanned yet
     AutofeedAnswer onMisfeed = AutofeedAnswer::StopScanning;
     RegistrationAnswer onRegisterFailure = RegistrationAnswer::StopScanning;
     bool help = false;

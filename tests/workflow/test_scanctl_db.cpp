@@ -1,0 +1,166 @@
+// scanctl db and scanctl queue end to end on an embedded database: a
+// production is made, exposed and shown; wrong names and values are refused
+// with the right status; queue entries go through take, done and fail.
+#include <QDir>
+#include <QFileInfo>
+#include <QThread>
+
+#include "scanctl_db_fixture.h"
+
+namespace {
+
+class ScanctlDb : public ScanctlDbTest {
+protected:
+    void SetUp() override { useBackend(ScanctlBackend::SQLite); }
+
+    // The drawing lines of `db show J S E`: name and scan count.
+    QStringList drawingLines() const {
+        const ProcessResult r = scanctl({"db", "show", "J", "S", "E"});
+        EXPECT_EQ(r.status, 0) << r.err.toStdString();
+        QStringList lines;
+        for (const QString &line : r.out.split('\n'))
+            if (line.startsWith(QLatin1String("    "))) lines << line.simplified();
+        return lines;
+    }
+};
+
+TEST_F(ScanctlDb, AProductionIsMadeExposedAndShownWithItsScanCounts) {
+    const ProcessResult init = scanctl({"db", "init"});
+    ASSERT_EQ(init.status, 0) << init.err.toStdString();
+    EXPECT_TRUE(init.out.contains(connection_)) << init.out.toStdString();
+    ASSERT_NO_FATAL_FAILURE(makeProduction());
+    EXPECT_TRUE(QFileInfo(dir_.filePath("scenes/S/E")).isDir()) << "the element's folder is made";
+
+    ProcessResult r = scanctl({"db", "expose", "J", "S", "E", "1:10 12 7b"});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    // The list may also come as separate words; names already exposed stay where they are.
+    r = scanctl({"db", "expose", "J", "S", "E", "12:10", "13"});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.out.startsWith("2 drawings newly exposed")) << r.out.toStdString();
+
+    // Two scans of 7b and one of 3, as the station records them.
+    {
+        std::unique_ptr<SqlDbAccess> db = openDirectly();
+        ASSERT_TRUE(db);
+        const auto job = db->findJob("J");
+        const auto scene = db->findScene(job->id, "S");
+        const auto element = db->findElement(scene->id, "E");
+        db->dba_ProcessedCels(&*scene, "E", element->id, {"7b", "3"}, 1, 0);
+        db->dba_ProcessedCels(&*scene, "E", element->id, {"7b"}, 1, 0);
+    }
+    QStringList expected;
+    for (int i = 1; i <= 10; ++i) expected << QStringLiteral("%1 %2 scans").arg(i).arg(i == 3 ? 1 : 0);
+    expected << "12 0 scans" << "7b 2 scans" << "11 0 scans" << "13 0 scans";
+    EXPECT_EQ(drawingLines().join(" | ").toStdString(), expected.join(" | ").toStdString());
+    EXPECT_TRUE(scanctl({"db", "show", "J", "S", "E"}).out.contains("drawings: 14 exposed, 2 scanned"));
+
+    const ProcessResult tree = scanctl({"db", "show"});
+    ASSERT_EQ(tree.status, 0);
+    EXPECT_TRUE(tree.out.contains(QStringLiteral("job J\n  scene S  %1\n    element E  bw, vectorize, field 12, pf 24, "
+                                                 "pixel shape 1\n")
+                                      .arg(QDir(dir_.filePath("scenes/S")).absolutePath())))
+        << tree.out.toStdString();
+}
+
+TEST_F(ScanctlDb, WrongNamesAreRefusedAndWrongWordsAreUsageErrors) {
+    ASSERT_NO_FATAL_FAILURE(makeProduction());
+    const QStringList element{"--scan-type", "colour", "--vectorize", "none", "--field", "16"};
+    struct Case {
+        QStringList args;
+        int status;
+        const char *says;
+    };
+    const QList<Case> cases = {
+        {{"db", "create-job", "J"}, 2, "job 'J' already exists"},
+        {{"db", "create-scene", "J", "S", "--path", dir_.path()}, 2, "scene 'S' already exists"},
+        {QStringList{"db", "create-element", "J", "S", "E"} + element, 2, "element 'E' already exists"},
+        {QStringList{"db", "create-element", "K", "S", "F"} + element, 2, "no job 'K'"},
+        {QStringList{"db", "create-element", "J", "T", "F"} + element, 2, "no scene 'T' in job 'J'"},
+        {{"db", "expose", "J", "S", "X", "1"}, 2, "no element 'X'"},
+        {{"db", "show", "J", "S", "E", "--env", "elsewhere"}, 2, "no job 'J'"},
+        {{"db", "show", "--db", "mysql://host/db"}, 2, "unknown kind of database address"},
+        {{"db", "create-element", "J", "S", "F", "--scan-type", "sepia", "--vectorize", "none", "--field", "12"}, 1,
+         "'sepia' is not one of colour|grey|bw"},
+        {{"db", "create-element", "J", "S", "F", "--scan-type", "bw", "--vectorize", "none", "--field", "14"}, 1, "--field"},
+        {QStringList{"db", "create-element", "J", "S", "F", "--pixel-shape", "2"} + element, 1, "--pixel-shape"},
+        {{"db", "create-element", "J", "S", "F", "--scan-type", "bw", "--field", "12"}, 1, "needs --vectorize"},
+        {QStringList{"db", "create-element", "J", "S", "a/b"} + element, 1, "not an element name"},
+        {{"db", "create-scene", "J", "T"}, 1, "needs --path"},
+        {{"db", "expose", "J", "S", "E", "1:3 a:3"}, 1, "The \"From\" part of a:3 is not an integer"},
+        {{"db", "expose", "J", "S", "E", "4:x"}, 1, "The \"To\" part of 4:x is not an integer"},
+        {{"db", "create-job"}, 1, "wrong number of arguments"},
+        {{"db", "rename", "J"}, 1, "unknown subcommand 'rename'"},
+        {{"db", "show", "--verbose"}, 1, "unknown option '--verbose'"},
+        {{"queue", "take"}, 1, "--worker NAME is required"},
+        {{"queue", "take", "--worker", "w", "--lease", "0"}, 1, "--lease"},
+        {{"queue", "list", "--state", "lost"}, 1, "'lost' is not a state"},
+        {{"queue", "show", "12"}, 2, "no entry 12"},
+        {{"queue", "show", "twelve"}, 1, "not an entry id"},
+        {{"queue", "add", "--job", "J", "--scene", "S", "--element", "Plain", "--drawings", "1"}, 2,
+         "needs no vectorization"},
+    };
+    ASSERT_EQ(scanctl(QStringList{"db", "create-element", "J", "S", "Plain"} + element).status, 0);
+    for (const Case &c : cases) {
+        const ProcessResult r = scanctl(c.args);
+        EXPECT_EQ(r.status, c.status) << c.args.join(' ').toStdString() << ": " << r.err.toStdString();
+        EXPECT_TRUE(r.err.contains(QString::fromUtf8(c.says))) << c.args.join(' ').toStdString() << ": "
+                                                                 << r.err.toStdString();
+    }
+    // A list with an error exposes nothing of what came before it.
+    EXPECT_TRUE(drawingLines().isEmpty());
+    EXPECT_FALSE(QFileInfo::exists(dir_.filePath("scenes/S/F")));
+}
+
+TEST_F(ScanctlDb, QueueEntriesAreTakenUnderALeaseAndFinishedByTheirWorker) {
+    ASSERT_NO_FATAL_FAILURE(makeProduction("pix2vec"));
+    ProcessResult r = scanctl({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings", "1:3",
+                               "--options", "-no_color_art "});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    r = scanctl({"queue", "list"});
+    EXPECT_EQ(r.out, "1  waiting  J/S/E  1  pix2vec\n2  waiting  J/S/E  2  pix2vec\n3  waiting  J/S/E  3  pix2vec\n");
+
+    r = scanctl({"queue", "take", "--worker", "a", "--lease", "1"});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out, "1  taken  J/S/E  1  pix2vec  a\n");
+    r = scanctl({"queue", "take", "--worker", "b", "--count", "5"});
+    EXPECT_EQ(r.out, "2  taken  J/S/E  2  pix2vec  b\n3  taken  J/S/E  3  pix2vec  b\n");
+    EXPECT_EQ(scanctl({"queue", "take", "--worker", "b"}).status, 3) << "nothing is free while leases run";
+
+    // a's lease runs out: b may take entry 1, and a can no longer finish it.
+    QThread::msleep(1100);
+    EXPECT_EQ(scanctl({"queue", "take", "--worker", "b"}).out, "1  taken  J/S/E  1  pix2vec  b\n");
+    r = scanctl({"queue", "done", "1", "--worker", "a"});
+    EXPECT_EQ(r.status, 2);
+    EXPECT_TRUE(r.err.contains("entry 1 is held by b, not a")) << r.err.toStdString();
+    EXPECT_EQ(scanctl({"queue", "done", "1", "--worker", "b"}).status, 0);
+    EXPECT_EQ(scanctl({"queue", "fail", "2", "no line art found"}).status, 0);
+    EXPECT_EQ(scanctl({"queue", "done", "2"}).status, 2) << "a failed entry stays failed";
+
+    r = scanctl({"queue", "show", "2"});
+    EXPECT_TRUE(r.out.contains("  state:        failed\n")) << r.out.toStdString();
+    EXPECT_TRUE(r.out.contains("  message:      no line art found\n"));
+    EXPECT_TRUE(r.out.contains("  options:      -no_color_art \n"));
+    EXPECT_TRUE(r.out.contains("  process:      pix2vec (4)\n"));
+    EXPECT_EQ(scanctl({"queue", "list", "--state", "done"}).out, "1  done  J/S/E  1  pix2vec  b\n");
+}
+
+TEST_F(ScanctlDb, AWorkerRunsItsProgramForEachEntryAndRecordsTheOutcome) {
+    ASSERT_NO_FATAL_FAILURE(makeProduction());
+    ASSERT_EQ(scanctl({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings", "1 2b 3"}).status, 0);
+    // The program sees the entry; drawing 2b fails with a reason.
+    const QString script = QStringLiteral(
+        "echo \"$SCAN_QUEUE_ID:$SCAN_JOB/$SCAN_SCENE/$SCAN_ELEMENT:$SCAN_DRAWING:$SCAN_PROCESS:$SCAN_ELEMENT_DIR\";"
+        "[ \"$SCAN_DRAWING\" != 2b ] || { echo 'cannot read the scan' >&2; exit 5; }");
+    const ProcessResult r =
+        scanctl({"queue", "work", "--worker", "w", "--until-empty", "--", "/bin/sh", "-c", script});
+    EXPECT_EQ(r.status, 2) << "one entry failed";
+    const QString folder = QDir(dir_.filePath("scenes/S/E")).absolutePath();
+    for (const char *drawing : {"1", "2b", "3"})
+        EXPECT_TRUE(r.out.contains(QStringLiteral(":J/S/E:%1:vectorize:%2\n").arg(drawing, folder))) << r.out.toStdString();
+    EXPECT_EQ(scanctl({"queue", "list"}).out, "1  done  J/S/E  1  vectorize  w\n2  failed  J/S/E  2b  vectorize  w\n"
+                                              "3  done  J/S/E  3  vectorize  w\n");
+    EXPECT_TRUE(scanctl({"queue", "show", "2"}).out.contains("sh exited with status 5: cannot read the scan"));
+    EXPECT_EQ(scanctl({"queue", "work", "--worker", "w", "--", "/bin/true"}).status, 3);
+}
+
+}  // namespace

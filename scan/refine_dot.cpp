@@ -38,22 +38,30 @@ Math::Point2d refine_dot(const BM_MaskMap &mask, const BM_GreyMap &grey, Math::P
     // nothing, so they are passed over too; the order of the additions that
     // remain, and so the rounding, is that of a plain sweep.
     double weight = 0.0, sumX = 0.0, sumY = 0.0;
+    auto add = [&](uint8_t level, double x, double y) {
+        if (!level) return;
+        const double wgt = kWeightOf[level];
+        weight += wgt;
+        sumX += wgt * x;
+        sumY += wgt * y;
+    };
     for (int y = y0; y <= y1; ++y) {
         const uint8_t *bits = mask.row(y);
         const uint8_t *g = grey.row(y);
+        const double fy = y;
         for (int i = x0 >> 3; i <= (x1 >> 3); ++i) {
             unsigned byte = bits[i];
             if (!byte) continue;
             byte = bits_in_columns(byte, i, x0, x1);
+            if (byte == 0xffu) {
+                // Inside a region: eight pixels in a row.
+                for (int b = 0; b < 8; ++b) add(g[i * 8 + b], i * 8 + b, fy);
+                continue;
+            }
             while (byte) {
                 const int b = __builtin_clz(byte) - 24;  // leftmost pixel first
                 byte &= ~(0x80u >> b);
-                const int x = i * 8 + b;
-                if (!g[x]) continue;
-                const double wgt = kWeightOf[g[x]];
-                weight += wgt;
-                sumX += wgt * x;
-                sumY += wgt * y;
+                add(g[i * 8 + b], i * 8 + b, fy);
             }
         }
     }

@@ -76,12 +76,8 @@ protected:
     // A session of the test itself on the same database.
     std::unique_ptr<SqlDbAccess> openDirectly() const {
         auto db = std::make_unique<SqlDbAccess>(connection_);
-        db->dba_Initialize2dSystem(QStringLiteral("test"));
-        if (db->dba_Open2dDatabaseSession() != 0) {
-            ADD_FAILURE() << "cannot open " << connection_.toStdString() << ": " << db->lastError().toStdString();
-            return nullptr;
-        }
-        return db;
+        EXPECT_EQ(db->dba_Open2dDatabaseSession(), 0) << db->lastError().toStdString();
+        return db->isOpen() ? std::move(db) : nullptr;
     }
 
     QTemporaryDir dir_;

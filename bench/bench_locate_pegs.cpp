@@ -155,39 +155,36 @@ void mask_only(benchmark::State &state) {
     }
 }
 
-// The mask the search traces; the trace changes it only by clearing its
-// frame, which stays clear, so one mask serves every iteration.
-BM_MaskMap traced_mask() {
+// The search's picture and mask as the tracer gets them. The trace changes
+// the mask only by clearing its frame, which stays clear, so one mask serves
+// every iteration.
+struct Masked {
     BM_GreyMap grey = picture();
-    BM_MaskMap mask(grey.width(), grey.height());
-    build_peg_mask(grey, mask, threshold(), band(), Math::Box2d{}, 2, 2, false);
-    return mask;
+    BM_MaskMap mask;
+    Masked() { build_peg_mask(grey, mask, threshold(), band(), Math::Box2d{}, 2, 2, false); }
+};
+
+std::vector<GR_BezierPath2d> trace(BM_MaskMap &mask) {
+    std::vector<GR_BezierPath2d> polygons;
+    ContourTracer tracer;  // fresh marks, as the search has
+    tracer.mask = &mask;
+    trace_contours(tracer, polygons);
+    return polygons;
 }
 
 void trace_only(benchmark::State &state) {
-    BM_MaskMap mask = traced_mask();
+    Masked masked;
     size_t count = 0;
-    for (auto _ : state) {
-        std::vector<GR_BezierPath2d> polygons;
-        ContourTracer tracer;  // fresh marks, as the search has
-        tracer.mask = &mask;
-        trace_contours(tracer, polygons);
-        count = polygons.size();
-    }
+    for (auto _ : state) count = trace(masked.mask).size();
     state.counters["contours"] = static_cast<double>(count);
 }
 
 void candidates_only(benchmark::State &state) {
-    BM_GreyMap grey = picture();
-    BM_MaskMap mask(grey.width(), grey.height());
-    build_peg_mask(grey, mask, threshold(), band(), Math::Box2d{}, 2, 2, false);
-    std::vector<GR_BezierPath2d> polygons;
-    ContourTracer tracer;
-    tracer.mask = &mask;
-    trace_contours(tracer, polygons);
+    Masked masked;
+    const std::vector<GR_BezierPath2d> polygons = trace(masked.mask);
     const PegRegistrationOptions options = bottom_options();
     for (auto _ : state) {
-        const PegCandidates found = peg_candidates(polygons, mask, grey, options);
+        const PegCandidates found = peg_candidates(polygons, masked.mask, masked.grey, options);
         benchmark::DoNotOptimize(found.center.data());
     }
 }

@@ -92,7 +92,7 @@ QPointF white_mean(const QImage &chart, QPointF centre, double across, double al
     double sx = 0, sy = 0, n = 0;
     for (int y = y0; y <= y1; ++y)
         for (int x = x0; x <= x1; ++x)
-            if (qGray(chart.pixel(x, y)) > 127) sx += x, sy += y, n += 1;
+            if (const int w = qGray(chart.pixel(x, y)); w > 0) sx += w * x, sy += w * y, n += w;
     return n > 0 ? QPointF(sx / n + 0.5, sy / n + 0.5) : centre;
 }
 

@@ -39,10 +39,10 @@ struct ChartTruth {
 ChartTruth truth_of_sheet(const ChartSheet &sheet, int32_t peg_side);
 
 // The same measured on the painted pixels instead of the chart's geometry:
-// the mean of the chart's white pixels around the centre hole, and the bar
-// from the mean of one slot's to the other's. Painting samples pixel centres
-// and the sheet is resampled to the nearest pixel, so this strays from the
-// geometry by a fraction of a pixel; a clean `chart` of `sheet` only.
+// the mean of the chart's pixels around the centre hole, each weighted by its
+// whiteness, and the bar from one slot's weighted mean to the other's. The
+// painting's sampling moves these from the geometry by a small fraction of a
+// pixel; a clean `chart` of `sheet` only.
 ChartTruth painted_truth_of_sheet(const QImage &chart, const ChartSheet &sheet, int32_t peg_side);
 
 // The depth of the test scan. A colour scan of the chart carries the

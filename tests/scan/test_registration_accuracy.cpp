@@ -100,25 +100,6 @@ TEST(RegistrationAccuracy, CleanChartsAt300DpiOnEverySide) {
         expect_within_goals(regacc::paint_sheet(sheet), sheet);
 }
 
-// Measured against the painted pixels rather than the geometry, registration
-// is exact: what is left over in the goals is the chart's own sampling.
-TEST(RegistrationAccuracy, RegistrationFindsThePaintedHolesExactly) {
-    for (const int dpi : {100, 150})
-        for (const FieldChartSkew &skew : kSkews) {
-            const ChartSheet sheet{dpi == 100 ? 16.0 : 12.0, dpi, skew};
-            const QImage chart = regacc::paint_sheet(sheet);
-            for (int32_t side = 1; side <= 4; ++side) {
-                const regacc::Registration found = regacc::register_as_station(
-                    regacc::scan_sheet(chart, sheet, side, Depth::Grey), sheet.dpi, side);
-                const RegistrationError e =
-                    regacc::error_of(found, regacc::painted_truth_of_sheet(chart, sheet, side));
-                ASSERT_TRUE(e.registered) << dpi << " side " << side;
-                EXPECT_LT(e.angle_degrees, 1e-4) << dpi << " side " << side;
-                EXPECT_LT(e.centre_pixels, 0.01) << dpi << " side " << side;
-            }
-        }
-}
-
 // The slots' sampling error is about the same in pixels at any resolution,
 // and the bar is shorter in pixels: the angle goal grows as the dpi falls.
 TEST(RegistrationAccuracy, CleanChartsAtLowerResolutions) {

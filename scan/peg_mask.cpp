@@ -65,10 +65,19 @@ private:
 #if defined(__SSE2__)
         const __m128i a = _mm_set1_epi8(static_cast<char>(values_[0]));
         const __m128i b = _mm_set1_epi8(static_cast<char>(count_ > 1 ? values_[1] : values_[0]));
+        auto seenIn = [&](const uint8_t *at) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
+            return _mm_or_si128(_mm_cmpeq_epi8(v, a), _mm_cmpeq_epi8(v, b));
+        };
+        // A picture of two levels is read to its end: 64 pixels a step until
+        // a block holds a new value, which the 16-pixel steps then find.
+        for (; i + 64 <= n; i += 64) {
+            const __m128i all = _mm_and_si128(_mm_and_si128(seenIn(p + i), seenIn(p + i + 16)),
+                                              _mm_and_si128(seenIn(p + i + 32), seenIn(p + i + 48)));
+            if (_mm_movemask_epi8(all) != 0xffff) break;
+        }
         for (; i + 16 <= n; i += 16) {
-            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + i));
-            const unsigned same = static_cast<unsigned>(
-                _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(v, a), _mm_cmpeq_epi8(v, b))));
+            const unsigned same = static_cast<unsigned>(_mm_movemask_epi8(seenIn(p + i)));
             if (same != 0xffffu) return i + __builtin_ctz(~same);
         }
 #endif
@@ -109,16 +118,30 @@ public:
         // Unsigned comparison through the signed one: flip the top bits.
         const __m128i bias = _mm_set1_epi8(static_cast<char>(0x80));
         const __m128i limit = _mm_set1_epi8(static_cast<char>(threshold ^ 0x80));
-        for (; x + 16 <= x1 + 1; x += 16) {
-            const __m128i v = _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i *>(g + x)), bias);
-            const uint64_t m = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpgt_epi8(v, limit)));
-            if (!m) continue;
-            const int w = x >> 6, shift = x & 63;
+        auto brighter = [&](int at) {
+            const __m128i v = _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i *>(g + at)), bias);
+            return _mm_cmpgt_epi8(v, limit);
+        };
+        // Sixteen pixels from `at`, one bit each.
+        auto hit16 = [&](int at, __m128i bright) {
+            const uint64_t m = static_cast<unsigned>(_mm_movemask_epi8(bright));
+            if (!m) return;
+            const int w = at >> 6, shift = at & 63;
             hits_[static_cast<size_t>(w)] |= m << shift;
             if (shift > 48) hits_[static_cast<size_t>(w) + 1] |= m >> (64 - shift);
             noteWord(w);
             noteWord(std::min(w + 1, words_ - 1));
+        };
+        // The band is mostly dark: 64 pixels with nothing bright go at once.
+        for (; x + 64 <= x1 + 1; x += 64) {
+            const __m128i b0 = brighter(x), b1 = brighter(x + 16), b2 = brighter(x + 32), b3 = brighter(x + 48);
+            if (!_mm_movemask_epi8(_mm_or_si128(_mm_or_si128(b0, b1), _mm_or_si128(b2, b3)))) continue;
+            hit16(x, b0);
+            hit16(x + 16, b1);
+            hit16(x + 32, b2);
+            hit16(x + 48, b3);
         }
+        for (; x + 16 <= x1 + 1; x += 16) hit16(x, brighter(x));
 #endif
         for (; x <= x1; ++x)
             if (g[x] > threshold) setHit(x);

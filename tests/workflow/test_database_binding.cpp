@@ -86,18 +86,6 @@ TEST_F(BindingTest, AMissingElementFolderLeavesTheBindingClosedAndTheListAlone) 
     EXPECT_EQ(rowText(0), "9");
 }
 
-TEST_F(BindingTest, BindingFitsOnlyTheDepthOfItsScanType) {
-    DatabaseBinding b;
-    const std::pair<int, int> fits[] = {{SCANTYPE_COLOUR, DEPTH_COLOUR}, {SCANTYPE_GREY, DEPTH_GREY},
-                                        {SCANTYPE_BW, DEPTH_BW}};
-    for (auto [type, depth] : fits) {
-        b.scan_type = type;
-        for (int d : {DEPTH_BW, DEPTH_GREY, DEPTH_COLOUR}) EXPECT_EQ(binding_fits_depth(&b, d), d == depth) << type;
-    }
-    b.scan_type = SCANTYPE_NEVER;
-    for (int d : {DEPTH_BW, DEPTH_GREY, DEPTH_COLOUR}) EXPECT_FALSE(binding_fits_depth(&b, d));
-}
-
 TEST_F(BindingTest, AnElementWithoutVectorizationIsMarkedButNeverQueued) {
     db_.element.needsVectorization = LMV_VECTORIZE_NONE;
     bound({"1", "2"});

@@ -1,0 +1,73 @@
+#pragma once
+// Shared set-up of the selection dialog tests: a production in an embedded
+// SQLite file in a temporary folder, reports recorded instead of shown, and
+// a way to act inside a modal dialog.
+#include <QDialog>
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+#include "suite/base/message_fixture.h"
+#include "suite/db/sql_db_access.h"
+
+class SelectionTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(dir_.isValid());
+        ASSERT_TRUE(QDir(dir_.path()).mkdir(QStringLiteral("logs")));
+        messages_ = std::make_unique<InstalledMessage>(
+            std::make_unique<RecordingMessage>(settingsIn(dir_.filePath(QStringLiteral("logs")))));
+        db_ = std::make_unique<SqlDbAccess>(dir_.filePath(QStringLiteral("production.db")));
+        db_->dba_Initialize2dSystem(QStringLiteral("test"));
+        ASSERT_EQ(db_->dba_Open2dDatabaseSession(), 0) << db_->lastError().toStdString();
+    }
+
+    // Job J, scene S and element `name` in it.
+    LMV_element_data makeElement(const QString &name = QStringLiteral("E")) {
+        auto job = db_->findJob(QStringLiteral("J"));
+        if (!job) job = db_->createJob(QStringLiteral("J"));
+        EXPECT_TRUE(job) << db_->lastError().toStdString();
+        if (!job) return {};
+        auto scene = db_->findScene(job->id, QStringLiteral("S"));
+        if (!scene) scene = db_->createScene(job->id, QStringLiteral("S"), dir_.filePath(QStringLiteral("S")));
+        EXPECT_TRUE(scene) << db_->lastError().toStdString();
+        if (!scene) return {};
+        LMV_element_data spec;
+        spec.name = name;
+        spec.path = name;
+        spec.scanType = LMV_SCAN_BW;
+        const auto element = db_->createElement(scene->id, spec);
+        EXPECT_TRUE(element) << db_->lastError().toStdString();
+        return element.value_or(LMV_element_data{});
+    }
+
+    void openScene() {
+        ASSERT_EQ(db_->selectJob(QStringLiteral("J")), 0) << db_->lastError().toStdString();
+        ASSERT_EQ(db_->selectScene(QStringLiteral("S")), 0) << db_->lastError().toStdString();
+    }
+
+    // Runs `start` (which opens `dialog` modally) and, once the dialog
+    // shows, `inside`; a dialog still open afterwards is rejected.
+    static void whileOpen(QDialog &dialog, const std::function<void()> &inside) {
+        QTimer::singleShot(0, &dialog, [&dialog, inside] {
+            inside();
+            if (dialog.isVisible()) dialog.reject();
+        });
+    }
+
+    // The texts shown to the operator so far.
+    QStringList reported() const {
+        QStringList texts;
+        for (const auto &shown : static_cast<RecordingMessage *>(messages_->get())->shown) texts << shown.texts;
+        return texts;
+    }
+
+    QTemporaryDir dir_;
+    std::unique_ptr<InstalledMessage> messages_;
+    std::unique_ptr<SqlDbAccess> db_;
+};

@@ -1,0 +1,145 @@
+#include <QApplication>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include "app/tudb_select_dlg.h"
+#include "app/tudb_selector.h"
+#include "app/tudb_user_dialog.h"
+#include "selection_fixture.h"
+#include "support/screenshot.h"
+#include "workflow/connect_database.h"
+
+namespace {
+
+// Acts on the first modal dialog of type T to show up (checked every few
+// milliseconds for up to five seconds); dialogs opened one after the other
+// can each be given their own step before the run starts. The watch ends
+// with `owner`, so that it never reaches into a later test.
+template <typename T>
+void onModal(QObject *owner, const std::function<void(T *)> &step) {
+    auto *timer = new QTimer(owner);
+    auto tries = std::make_shared<int>(0);
+    QObject::connect(timer, &QTimer::timeout, [timer, tries, step] {
+        if (auto *dialog = qobject_cast<T *>(QApplication::activeModalWidget())) {
+            timer->deleteLater();
+            timer->stop();
+            step(dialog);
+            if (dialog->isVisible()) dialog->reject();
+        } else if (++*tries > 500) {
+            timer->stop();
+            timer->deleteLater();
+        }
+    });
+    timer->start(10);
+}
+
+void clickOk(QDialog *dialog) {
+    for (QPushButton *pb : dialog->findChildren<QPushButton *>())
+        if (pb->text() == QStringLiteral("OK")) return QTest::mouseClick(pb, Qt::LeftButton);
+    ADD_FAILURE() << "no OK button";
+}
+
+void choose(QListWidget *list, const QString &text) {
+    const auto items = list->findItems(text, Qt::MatchExactly);
+    ASSERT_EQ(items.size(), 1) << text.toStdString();
+    list->setCurrentItem(items.first());
+}
+
+QStringList texts(const QListWidget *list) {
+    QStringList out;
+    for (int row = 0; row < list->count(); ++row) out << list->item(row)->text();
+    return out;
+}
+
+class DbSelectorTest : public SelectionTest {
+protected:
+    void SetUp() override {
+        SelectionTest::SetUp();
+        envBefore_ = db_->envName();
+        element_ = makeElement(QStringLiteral("E"));
+        LMV_element_data colour;
+        colour.name = QStringLiteral("Paint");
+        colour.scanType = LMV_SCAN_COLOUR;
+        const auto scene = db_->findScene(db_->findJob(QStringLiteral("J"))->id, QStringLiteral("S"));
+        ASSERT_TRUE(scene);
+        ASSERT_TRUE(db_->createElement(scene->id, colour));
+        const auto other = db_->createJob(QStringLiteral("K"));
+        ASSERT_TRUE(other);
+        ASSERT_TRUE(db_->createScene(other->id, QStringLiteral("T"), dir_.filePath(QStringLiteral("T"))));
+    }
+    LMV_element_data element_;
+    QString envBefore_;
+};
+
+}  // namespace
+
+TEST_F(DbSelectorTest, LogsInThenOpensTheChosenElement) {
+    QObject steps;
+    TUDbUserDialog login(db_.get(), db_.get(), selector_user_types());
+    onModal<TUDbUserDialog>(&steps, [&](TUDbUserDialog *shown) {
+        EXPECT_EQ(shown->typeBox()->count(), 9);  // never the vectorize service
+        EXPECT_EQ(shown->typeBox()->currentText(), QStringLiteral("Scanner Operator"));
+        shown->userEdit()->setText(QStringLiteral("mia"));
+        shown->environmentEdit()->clear();
+        EXPECT_FALSE(shown->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok)->isEnabled());
+        QTest::keyClicks(shown->environmentEdit(), QStringLiteral("stu/dio"));
+        save_screenshot(shown, QStringLiteral("db_login"));
+        clickOk(shown);
+    });
+    EXPECT_EQ(login.exec(), QDialog::Accepted);
+    EXPECT_EQ(db_->userName(), QStringLiteral("mia"));
+    EXPECT_EQ(db_->envName(), QStringLiteral("studio"));
+    ASSERT_TRUE(db_->createJob(QStringLiteral("L")));  // the new environment's own job
+
+    TUDbSelector selector(db_.get(), db_.get(), selector_user_types());
+    onModal<TUDbSelectDlg>(&steps, [&](TUDbSelectDlg *select) {
+        EXPECT_EQ(texts(select->jobList()), QStringList({"L"}));
+    });
+    EXPECT_EQ(selector.run(false), TUDbSelector::Cancelled);
+    ASSERT_EQ(db_->setEnvironment(envBefore_), 0);
+
+    onModal<TUDbSelectDlg>(&steps, [&](TUDbSelectDlg *select) {
+        EXPECT_EQ(texts(select->jobList()), QStringList({"J", "K"}));
+        choose(select->jobList(), QStringLiteral("K"));
+        EXPECT_EQ(texts(select->sceneList()), QStringList({"T"}));
+        EXPECT_EQ(select->elementList()->count(), 0);
+        choose(select->jobList(), QStringLiteral("J"));
+        choose(select->sceneList(), QStringLiteral("S"));
+        EXPECT_EQ(texts(select->elementList()), QStringList({"E", "Paint"}));
+        // No colour scanner: the colour element cannot be taken.
+        EXPECT_FALSE(select->elementList()->item(1)->flags() & Qt::ItemIsEnabled);
+        choose(select->elementList(), QStringLiteral("E"));
+        save_screenshot(select, QStringLiteral("db_select"));
+        clickOk(select);
+    });
+    EXPECT_EQ(selector.run(false), TUDbSelector::Selected);
+    EXPECT_EQ(db_->jobName(), QStringLiteral("J"));
+    EXPECT_EQ(db_->sceneName(), QStringLiteral("S"));
+    EXPECT_EQ(selector.elementId(), element_.id);
+    EXPECT_EQ(db_->selectedElementId(), element_.id);
+}
+
+TEST_F(DbSelectorTest, AKnownUserGoesStraightToTheElementsAndMayCancel) {
+    ASSERT_EQ(db_->setUser(QStringLiteral("mia")), 0);
+    TUDbSelector selector(db_.get(), db_.get(), selector_user_types());
+    QObject steps;
+    bool loginShown = false;
+    onModal<TUDbUserDialog>(&steps, [&](TUDbUserDialog *) { loginShown = true; });
+    onModal<TUDbSelectDlg>(&steps, [&](TUDbSelectDlg *select) {
+        choose(select->jobList(), QStringLiteral("J"));
+        choose(select->sceneList(), QStringLiteral("S"));
+        choose(select->elementList(), QStringLiteral("Paint"));
+        EXPECT_TRUE(select->elementList()->item(1)->flags() & Qt::ItemIsEnabled);  // colour scanner
+    });
+    EXPECT_EQ(selector.run(true), TUDbSelector::Cancelled);
+    EXPECT_FALSE(loginShown);
+    EXPECT_EQ(db_->openScene(), nullptr);
+    EXPECT_EQ(selector.elementId(), 0);
+}

@@ -1,0 +1,164 @@
+// The report box the operator sees, alone and through the station's message
+// object: headings, the cut list, the Ignore buttons, suspension and
+// re-entrance.
+#include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+#include <QtTest/QTest>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "app/report_box.h"
+#include "app/tuuimessage.h"
+#include "suite/base/msg_scope.h"
+#include "support/screenshot.h"
+
+namespace {
+
+QStringList numbered(int n) {
+    QStringList out;
+    for (int i = 1; i <= n; ++i) out << QStringLiteral("Message %1").arg(i);
+    return out;
+}
+
+QStringList buttonTexts(const QMessageBox &box) {
+    QStringList out;
+    for (QAbstractButton *b : box.buttons()) out << b->text();
+    out.sort();
+    return out;
+}
+
+TEST(ReportBox, OneErrorStandsAloneUnderItsHeading) {
+    const auto box = makeReportBox('E', {QStringLiteral("The scanner did not answer.")}, false, "Scan", nullptr);
+    EXPECT_EQ(box->text(), "The following error occurred:\nThe scanner did not answer.");
+    EXPECT_EQ(box->icon(), QMessageBox::Critical);
+    EXPECT_EQ(box->windowTitle(), "Scan");
+    EXPECT_EQ(buttonTexts(*box), QStringList{"OK"});
+    box->show();
+    save_screenshot(box.get(), "report_one_error");
+    EXPECT_GE(box->width(), kReportBoxWidth);
+}
+
+TEST(ReportBox, SeveralTextsAreListedWithHeadingAndIconOfTheirSeverity) {
+    const QStringList two{QStringLiteral("First"), QStringLiteral("Second")};
+    const auto warnings = makeReportBox('W', two, false, "Scan", nullptr);
+    EXPECT_EQ(warnings->text(), "The following warnings occurred:\n - First\n - Second\n");
+    EXPECT_EQ(warnings->icon(), QMessageBox::Warning);
+    warnings->show();
+    save_screenshot(warnings.get(), "report_two_warnings");
+
+    EXPECT_EQ(makeReportBox('W', {"One"}, false, "Scan", nullptr)->text(), "The following warning occurred:\nOne");
+    EXPECT_EQ(makeReportBox('E', two, false, "Scan", nullptr)->text().section('\n', 0, 0),
+              "The following errors occurred:");
+    const auto info = makeReportBox('I', two, false, "Scan", nullptr);
+    EXPECT_EQ(info->text().section('\n', 0, 0), "Information:");
+    EXPECT_EQ(info->icon(), QMessageBox::Information);
+}
+
+TEST(ReportBox, ThirtyTextsShowTwentyNineLinesAndAnEllipsis) {
+    const auto box = makeReportBox('E', numbered(30), false, "Scan", nullptr);
+    const QStringList lines = box->text().split('\n');
+    ASSERT_EQ(lines.size(), 31);  // heading, 29 texts, "..."
+    EXPECT_EQ(lines[1], " - Message 1");
+    EXPECT_EQ(lines[29], " - Message 29");
+    EXPECT_EQ(lines[30], "...");
+    box->show();
+    save_screenshot(box.get(), "report_thirty_errors");
+
+    const QStringList exact = makeReportBox('E', numbered(29), false, "Scan", nullptr)->text().split('\n');
+    EXPECT_EQ(exact.size(), 31);  // the last text ends its line; nothing is cut
+    EXPECT_EQ(exact[29], " - Message 29");
+    EXPECT_FALSE(exact.contains("..."));
+}
+
+TEST(ReportBox, IgnoreAllIsToldApartFromIgnore) {
+    for (const bool all : {false, true}) {
+        const auto box = makeReportBox('W', {"Paper jam"}, true, "Scan", nullptr);
+        EXPECT_EQ(buttonTexts(*box), (QStringList{"Ignore", "Ignore All"}));
+        box->show();
+        if (!all) save_screenshot(box.get(), "report_ignore_buttons");
+        QAbstractButton *target = nullptr;
+        for (QAbstractButton *b : box->buttons())
+            if (b->text() == (all ? "Ignore All" : "Ignore")) target = b;
+        ASSERT_NE(target, nullptr);
+        QTest::mouseClick(target, Qt::LeftButton);
+        EXPECT_EQ(isIgnoreAll(*box), all);
+    }
+    // An OK box has no Ignore All to be chosen.
+    const auto ok = makeReportBox('E', {"x"}, false, "Scan", nullptr);
+    ok->show();
+    QTest::mouseClick(ok->buttons().front(), Qt::LeftButton);
+    EXPECT_FALSE(isIgnoreAll(*ok));
+}
+
+// Installs a TUUIMessage for one test and answers every box it opens, noting
+// each box's text. `onShown` runs while a box is open (before it is answered).
+class StationMessages : public ::testing::Test {
+protected:
+    void SetUp() override {
+        TUMessage::Settings s;
+        s.appName = QStringLiteral("Scan");
+        TUMessage::setInstance(std::make_unique<TUUIMessage>(s));
+        connect();
+    }
+    void TearDown() override {
+        answering_.stop();
+        TUMessage::takeInstance();
+    }
+
+    void connect() {
+        answering_.setInterval(5);
+        QObject::connect(&answering_, &QTimer::timeout, [this] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!box || box == answered_) return;
+            answered_ = box;
+            shown.append(box->text());
+            if (!screenshot.isEmpty()) save_screenshot(box, std::exchange(screenshot, QString()));
+            if (onShown) std::exchange(onShown, nullptr)();
+            box->defaultButton()->click();
+        });
+        answering_.start();
+    }
+
+    QStringList shown;
+    QString screenshot;
+    std::function<void()> onShown;
+
+private:
+    QTimer answering_;
+    QMessageBox *answered_ = nullptr;
+};
+
+TEST_F(StationMessages, AnErrorIsShownAtOnceInTheReportBox) {
+    screenshot = QStringLiteral("report_station_error");
+    MSG_Scope(MSG_Text::untranslated("Could not open the scanner."), MSG_ACTION_ERROR);
+    EXPECT_EQ(shown, QStringList{"The following error occurred:\nCould not open the scanner."});
+}
+
+TEST_F(StationMessages, AReportRaisedWhileOneIsOpenComesAfterItOnce) {
+    bool returnedAtOnce = false;
+    onShown = [&] {
+        MSG_Scope(MSG_Text::untranslated("Second"), MSG_ACTION_ERROR);
+        returnedAtOnce = shown.size() == 1;  // no box opened inside the first
+    };
+    MSG_Scope(MSG_Text::untranslated("First"), MSG_ACTION_ERROR);
+    EXPECT_TRUE(returnedAtOnce);
+    EXPECT_EQ(shown, (QStringList{"The following error occurred:\nFirst", "The following error occurred:\nSecond"}));
+}
+
+TEST_F(StationMessages, SuspendedReportsWaitAndComeAsOneList) {
+    TUMessage *m = TUMessage::instance();
+    m->suspendReport(true);
+    MSG_Scope(MSG_Text::untranslated("Lamp warming up"), MSG_ACTION_FATAL);
+    MSG_Scope(MSG_Text::untranslated("Feeder empty"), MSG_ACTION_ERROR);
+    QTest::qWait(30);
+    EXPECT_TRUE(shown.isEmpty());
+    screenshot = QStringLiteral("report_flushed_after_suspension");
+    m->suspendReport(false);
+    EXPECT_EQ(shown, QStringList{"The following errors occurred:\n - Lamp warming up\n - Feeder empty\n"});
+}
+
+}  // namespace

@@ -51,8 +51,8 @@ protected:
         ASSERT_EQ(db_->selectScene(QStringLiteral("S")), 0) << db_->lastError().toStdString();
     }
 
-    // Runs `start` (which opens `dialog` modally) and, once the dialog
-    // shows, `inside`; a dialog still open afterwards is rejected.
+    // Schedules `inside` for when `dialog` runs its modal loop next; a
+    // dialog still open afterwards is rejected.
     static void whileOpen(QDialog &dialog, const std::function<void()> &inside) {
         QTimer::singleShot(0, &dialog, [&dialog, inside] {
             inside();

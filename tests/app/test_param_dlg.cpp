@@ -1,0 +1,203 @@
+// The parameter panel over the parameter sets of the test scanners.
+#include <QComboBox>
+#include <QLabel>
+#include <QSignalSpy>
+#include <QSlider>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "app/param_dlg.h"
+#include "app/param_rgb_drop_widget.h"
+#include "app/param_speed_widget.h"
+#include "app/param_widget.h"
+#include "scan/devices.h"
+#include "scan/parameters.h"
+#include "scan/scanner_device.h"
+#include "support/screenshot.h"
+
+namespace {
+
+std::unique_ptr<ScanDeviceInfo> bogus(const char *model, QStringList dropColours = {}) {
+    auto dev = std::make_unique<ScanDeviceInfo>();
+    dev->model = QString::fromLatin1(model);
+    dev->device = QStringLiteral("fieldchart");
+    dev->rgbDropList = dropColours;
+    EXPECT_TRUE(setup_model_of_devices(dev.get()));
+    return dev;
+}
+
+bool shown(const QWidget *w) { return w && !w->isHidden(); }
+
+class ParamDlgTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dlg.setFixedWidth(280);
+        dlg.show();
+    }
+    TUParamDlg dlg;
+};
+
+TEST_F(ParamDlgTest, EachDepthShowsWhatTheScannerOffers) {
+    auto colour = bogus("Bogus-Color", {QStringLiteral("Red, 1, 0"), QStringLiteral("Green, 2, 0")});
+
+    SCANAPP_DisplayParameters(bw_parameters_of_ScanDeviceInfo(colour.get()), &dlg);
+    save_screenshot(&dlg, QStringLiteral("param_black_and_white"));
+    EXPECT_TRUE(shown(dlg.thresholdWidget()));
+    EXPECT_TRUE(shown(dlg.speedWidget()));
+    EXPECT_TRUE(shown(dlg.rgbDropWidget()));
+    EXPECT_FALSE(shown(dlg.gammaWidget()));
+    EXPECT_EQ(dlg.thresholdWidget()->valueLabel()->text(), QString::number(colour->default_threshold));
+    EXPECT_EQ(dlg.rgbDropWidget()->colourBox()->count(), 2);
+    EXPECT_EQ(dlg.rgbDropWidget()->colourBox()->itemText(0), QStringLiteral("Red, 1, 0"));
+
+    SCANAPP_DisplayParameters(grey_parameters_of_ScanDeviceInfo(colour.get()), &dlg);
+    save_screenshot(&dlg, QStringLiteral("param_grey"));
+    EXPECT_FALSE(shown(dlg.thresholdWidget()));
+    EXPECT_TRUE(shown(dlg.blackPointWidget()));
+    EXPECT_TRUE(shown(dlg.whitePointWidget()));
+    EXPECT_TRUE(shown(dlg.speedWidget()));
+
+    SCANAPP_DisplayParameters(colour_parameters_of_ScanDeviceInfo(colour.get()), &dlg);
+    save_screenshot(&dlg, QStringLiteral("param_colour"));
+    EXPECT_TRUE(shown(dlg.gammaWidget()));
+    EXPECT_TRUE(shown(dlg.speedWidget()));
+    for (const QWidget *w : {static_cast<QWidget *>(dlg.thresholdWidget()),
+                             static_cast<QWidget *>(dlg.blackPointWidget()),
+                             static_cast<QWidget *>(dlg.whitePointWidget()),
+                             static_cast<QWidget *>(dlg.rgbDropWidget())})
+        EXPECT_FALSE(shown(w));
+    // The threshold widget is kept for the next black and white set.
+    TUParamThresholdWidget *threshold = dlg.thresholdWidget();
+    SCANAPP_DisplayParameters(bw_parameters_of_ScanDeviceInfo(colour.get()), &dlg);
+    EXPECT_EQ(dlg.thresholdWidget(), threshold);
+
+    SCANAPP_DisplayParameters(nullptr, &dlg);
+    EXPECT_FALSE(shown(dlg.thresholdWidget()));
+    EXPECT_FALSE(shown(dlg.speedWidget()));
+    EXPECT_FALSE(shown(dlg.rgbDropWidget()));
+}
+
+TEST_F(ParamDlgTest, SwitchingScannersFiresNoValueSignalAndMovesGoToTheNewSet) {
+    auto first = bogus("Bogus-Color", {QStringLiteral("Red, 1, 0"), QStringLiteral("Green, 2, 0")});
+    auto second = bogus("Bogus-B&W", {QStringLiteral("Blue, 3, 0")});
+    Standard_parameters *a = bw_parameters_of_ScanDeviceInfo(first.get());
+    Standard_parameters *b = bw_parameters_of_ScanDeviceInfo(second.get());
+    set_threshold_of_Standard_parameters(a, 40);
+    set_threshold_of_Standard_parameters(b, 200);
+    set_rgbDrop_index_of_Standard_parameters(b, 0);
+    SCANAPP_DisplayParameters(a, &dlg);
+
+    QSignalSpy thresholdInt(dlg.thresholdWidget(), qOverload<Standard_parameters *, int>(&TUParamWidget::valueChanged));
+    QSignalSpy thresholdDouble(dlg.thresholdWidget(),
+                               qOverload<Standard_parameters *, double>(&TUParamWidget::valueChanged));
+    QSignalSpy speed(dlg.speedWidget(), qOverload<Standard_parameters *, int>(&TUParamWidget::valueChanged));
+    QSignalSpy drop(dlg.rgbDropWidget(), &TUParamRgbDropWidget::rgbChanged);
+    const int32_t speedA = a->speed_current, speedB = b->speed_current;
+
+    SCANAPP_DisplayParameters(b, &dlg);
+    SCANAPP_DisplayParameters(a, &dlg);
+    SCANAPP_DisplayParameters(b, &dlg);
+    EXPECT_EQ(thresholdInt.count(), 0);
+    EXPECT_EQ(thresholdDouble.count(), 0);
+    EXPECT_EQ(speed.count(), 0);
+    EXPECT_EQ(drop.count(), 0);
+    EXPECT_EQ(a->threshold_current, 40);
+    EXPECT_EQ(b->threshold_current, 200);
+    EXPECT_EQ(a->speed_current, speedA);
+    EXPECT_EQ(b->speed_current, speedB);
+    EXPECT_EQ(dlg.thresholdWidget()->slider()->value(), 200);
+    EXPECT_EQ(dlg.rgbDropWidget()->colourBox()->currentText(), QStringLiteral("Blue, 3, 0"));
+
+    // The operator's move now goes to the second scanner only.
+    dlg.thresholdWidget()->slider()->setFocus();
+    QTest::keyClick(dlg.thresholdWidget()->slider(), Qt::Key_Right);
+    EXPECT_EQ(b->threshold_current, 201);
+    EXPECT_EQ(a->threshold_current, 40);
+    EXPECT_EQ(dlg.thresholdWidget()->valueLabel()->text(), QStringLiteral("201"));
+    ASSERT_EQ(thresholdInt.count(), 1);
+    EXPECT_EQ(thresholdInt.at(0).at(0).value<Standard_parameters *>(), b);
+}
+
+TEST_F(ParamDlgTest, GammaRunsOnTheSliderAtAHundredTimesItsValue) {
+    Standard_parameters set;
+    ASSERT_TRUE(init_gamma_of_Standard_parameters(&set, 0.01f, 3.0f, 1.0f));
+    SCANAPP_DisplayParameters(&set, &dlg);
+    QSlider *slider = dlg.gammaWidget()->slider();
+    EXPECT_EQ(slider->value(), 100);
+    EXPECT_EQ(slider->minimum(), 1);
+    EXPECT_EQ(slider->maximum(), 300);
+    EXPECT_EQ(dlg.gammaWidget()->valueLabel()->text(), QStringLiteral("1"));
+
+    slider->setValue(65);
+    EXPECT_FLOAT_EQ(set.gamma_current, 0.65f);
+    EXPECT_EQ(dlg.gammaWidget()->valueLabel()->text(), QStringLiteral("0.65"));
+    save_screenshot(&dlg, QStringLiteral("param_gamma_065"));
+
+    // 0.65 is stored as a float a little below: the half step keeps it at 65.
+    SCANAPP_DisplayParameters(&set, &dlg);
+    EXPECT_EQ(slider->value(), 65);
+}
+
+TEST_F(ParamDlgTest, SpeedPresetsHoldTheSliderAndCustomFreesIt) {
+    auto colour = bogus("Bogus-Color");
+    Standard_parameters *bw = bw_parameters_of_ScanDeviceInfo(colour.get());  // normal 15000, fast 2000, custom
+    set_speed_of_Standard_parameters(bw, 15000);
+    SCANAPP_DisplayParameters(bw, &dlg);
+    TUParamSpeedWidget *speed = dlg.speedWidget();
+    QComboBox *modes = speed->modeBox();
+    ASSERT_EQ(modes->count(), 3);
+    EXPECT_EQ(modes->currentText(), QStringLiteral("Normal"));
+    EXPECT_EQ(speed->slider()->value(), 15000);
+    EXPECT_FALSE(speed->slider()->isEnabled());
+    EXPECT_FALSE(speed->unitLabel()->isEnabled());
+    EXPECT_EQ(speed->unitLabel()->text(), QStringLiteral("Milliseconds/Line"));
+    save_screenshot(&dlg, QStringLiteral("param_speed_normal"));
+
+    modes->setCurrentIndex(1);  // Fast
+    EXPECT_EQ(bw->speed_current, 2000);
+    EXPECT_EQ(speed->slider()->value(), 2000);
+    EXPECT_FALSE(speed->slider()->isEnabled());
+
+    modes->setCurrentIndex(2);  // Custom
+    EXPECT_TRUE(speed->slider()->isEnabled());
+    EXPECT_EQ(bw->speed_current, 2000);
+    speed->slider()->setValue(500);
+    EXPECT_EQ(bw->speed_current, 500);
+    save_screenshot(&dlg, QStringLiteral("param_speed_custom"));
+
+    // A value that is no preset comes back as Custom, with the slider live.
+    SCANAPP_DisplayParameters(bw, &dlg);
+    EXPECT_EQ(modes->currentText(), QStringLiteral("Custom"));
+    EXPECT_TRUE(speed->slider()->isEnabled());
+    EXPECT_EQ(speed->slider()->value(), 500);
+}
+
+TEST_F(ParamDlgTest, SpeedWithoutPresetsOffersCustomOnly) {
+    Standard_parameters set;
+    ASSERT_TRUE(init_speed_of_Standard_parameters(&set, 5, 300, 40, "Milliseconds/Line", false, 0, false, 0, true));
+    SCANAPP_DisplayParameters(&set, &dlg);
+    QComboBox *modes = dlg.speedWidget()->modeBox();
+    ASSERT_EQ(modes->count(), 1);
+    EXPECT_EQ(modes->itemText(0), QStringLiteral("Custom"));
+    EXPECT_EQ(modes->currentIndex(), 0);
+    EXPECT_TRUE(dlg.speedWidget()->slider()->isEnabled());
+    EXPECT_EQ(dlg.speedWidget()->slider()->value(), 40);
+}
+
+TEST_F(ParamDlgTest, DropColourChoiceIsWrittenAndNoChoiceStaysEmpty) {
+    Standard_parameters set;
+    ASSERT_TRUE(init_rgbDrop_of_Standard_parameters(
+        &set, {QStringLiteral("None, 0"), QStringLiteral("Red, 1, 0"), QStringLiteral("Green, 2, 0")}));
+    set.rgbDrop_index = -1;
+    SCANAPP_DisplayParameters(&set, &dlg);
+    QComboBox *box = dlg.rgbDropWidget()->colourBox();
+    EXPECT_EQ(box->currentIndex(), -1);
+    box->setCurrentIndex(2);
+    EXPECT_EQ(set.rgbDrop_index, 2);
+    EXPECT_EQ(rgbDrop_of_Standard_parameters(&set), QStringLiteral("2, 0"));
+}
+
+}  // namespace

@@ -1,0 +1,257 @@
+// The scan views: the scale slider, zoom and panning of the main image, the
+// copies of the frame preview and the overview, and a test scanner chart.
+#include <QApplication>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QSlider>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "app/scale_slider.h"
+#include "app/scan_image.h"
+#include "app/scroll_image.h"
+#include "app/scroll_image_painter.h"
+#include "scan/drawing.h"
+#include "scan/drivers/bogus_field_chart.h"
+#include "scan/pixmap_pixmap.h"
+#include "support/screenshot.h"
+
+namespace {
+
+// A drawing whose grey pixmap holds `image`.
+struct GreyDrawing {
+    explicit GreyDrawing(const QImage &image) {
+        const QImage grey = image.convertToFormat(QImage::Format_Grayscale8);
+        drawing = create_Drawing(QStringLiteral("A"), QStringLiteral("1"), QString());
+        LMV_pixmap *pixmap = create_pixmap(PIXMAP_MATTE8, grey.width(), grey.height());
+        uint8_t *data = matte8_data_of_pixmap(pixmap);
+        for (int y = 0; y < grey.height(); ++y)
+            std::memcpy(data + static_cast<size_t>(y) * grey.width(), grey.constScanLine(y), grey.width());
+        set_pixmap_of_Drawing(drawing, pixmap);
+    }
+    ~GreyDrawing() { destroy_Drawing(&drawing); }
+    Drawing *drawing = nullptr;
+};
+
+// Grey levels that tell every pixel's column and row apart (mod 256).
+QImage ramp(int width, int height) {
+    QImage image(width, height, QImage::Format_Grayscale8);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) image.scanLine(y)[x] = static_cast<uchar>((x * 7 + y * 13) & 0xff);
+    return image;
+}
+
+void mouse(QWidget *target, QEvent::Type type, QPoint at, Qt::MouseButton button, Qt::MouseButtons held) {
+    QMouseEvent event(type, at, target->mapToGlobal(at), button, held, Qt::NoModifier);
+    QApplication::sendEvent(target, &event);
+}
+
+QPoint scrollPosition(const TUScrollImage *view) {
+    return {view->horizontalScrollBar()->value(), view->verticalScrollBar()->value()};
+}
+
+TEST(ScaleSliderTest, LabelsAtTheEndsAndMiddleAndTheFactorAtRelease) {
+    TUScaleSlider scale;
+    scale.resize(260, 30);
+    scale.show();
+    QSignalSpy factor(&scale, &TUScaleSlider::scaleChanged);
+    EXPECT_EQ(scale.label()->text(), QStringLiteral("Scale: 1:1"));
+    save_screenshot(&scale, QStringLiteral("preview_scale_1_1"));
+
+    scale.slider()->setValue(1);
+    EXPECT_EQ(scale.label()->text(), QStringLiteral("Scale: 1:16"));
+    save_screenshot(&scale, QStringLiteral("preview_scale_1_16"));
+    scale.slider()->setValue(31);
+    EXPECT_EQ(scale.label()->text(), QStringLiteral("Scale: 16:1"));
+    save_screenshot(&scale, QStringLiteral("preview_scale_16_1"));
+    EXPECT_EQ(TUScaleSlider::labelText(15), QStringLiteral("Scale: 1:2"));
+    EXPECT_EQ(TUScaleSlider::labelText(17), QStringLiteral("Scale: 2:1"));
+    ASSERT_EQ(factor.count(), 2);
+    EXPECT_EQ(factor.at(0).at(0).toInt(), -15);
+    EXPECT_EQ(factor.at(1).at(0).toInt(), 15);
+
+    // A drag changes the label at once and the scale only at release.
+    scale.slider()->setSliderDown(true);
+    scale.slider()->setSliderPosition(18);
+    EXPECT_EQ(scale.label()->text(), QStringLiteral("Scale: 3:1"));
+    EXPECT_EQ(factor.count(), 2);
+    scale.slider()->setSliderDown(false);
+    ASSERT_EQ(factor.count(), 3);
+    EXPECT_EQ(factor.at(2).at(0).toInt(), 2);
+}
+
+TEST(ScrollPainterTest, RepeatsPixelsToZoomInAndDropsThemToZoomOut) {
+    QImage image(4, 2, QImage::Format_RGB32);
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 4; ++x) image.setPixel(x, y, qRgb(x * 60, y * 100, 0));
+
+    const QImage twice = compose_scroll_view(image, 1, QPoint(0, 0), QSize(10, 5), QSize(8, 4));
+    EXPECT_EQ(twice.pixel(0, 0), image.pixel(0, 0));
+    EXPECT_EQ(twice.pixel(1, 1), image.pixel(0, 0));
+    EXPECT_EQ(twice.pixel(7, 3), image.pixel(3, 1));
+    EXPECT_EQ(twice.pixel(8, 0), qRgb(255, 255, 255));  // past the displayed size
+    EXPECT_EQ(twice.pixel(0, 4), qRgb(255, 255, 255));
+
+    const QImage half = compose_scroll_view(image, -1, QPoint(1, 0), QSize(2, 1), QSize(2, 1));
+    EXPECT_EQ(half.pixel(0, 0), image.pixel(2, 0));
+    EXPECT_EQ(half.pixel(1, 0), qRgb(255, 255, 255));
+
+    EXPECT_EQ(image_coordinate_of_scale(9, 2), 3);
+    EXPECT_EQ(image_coordinate_of_scale(3, -3), 12);
+}
+
+class MainImageTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        view.resize(400, 300);
+        view.show();
+        scroll = view.scrollImage();
+        slider = view.scaleSlider()->slider();
+    }
+    TUScanImage view{0};
+    TUScrollImage *scroll = nullptr;
+    QSlider *slider = nullptr;
+};
+
+TEST_F(MainImageTest, ZoomKeepsTheCentreAndShowsTheImagePixels) {
+    GreyDrawing sheet(ramp(1000, 800));
+    view.setDrawing(sheet.drawing);
+    EXPECT_EQ(scroll->displayedSize(), QSize(1000, 800));
+    const QSize port = scroll->viewport()->size();
+    // Centred on the middle of the image.
+    EXPECT_EQ(scrollPosition(scroll), QPoint(500 - port.width() / 2, 400 - port.height() / 2));
+
+    slider->setValue(17);  // 2:1
+    EXPECT_EQ(scroll->displayedSize(), QSize(2000, 1600));
+    EXPECT_NEAR(scroll->horizontalScrollBar()->value(), 1000 - port.width() / 2, 1);
+    EXPECT_NEAR(scroll->verticalScrollBar()->value(), 800 - port.height() / 2, 1);
+    save_screenshot(&view, QStringLiteral("preview_main_zoom_2_1"));
+
+    // What the viewport shows is the image's pixel under it.
+    const QImage shown = scroll->viewport()->grab().toImage();
+    const QPoint origin = scrollPosition(scroll);
+    for (const QPoint at : {QPoint(0, 0), QPoint(33, 71), QPoint(port.width() - 1, port.height() - 1)}) {
+        const int expected = ((origin.x() + at.x()) / 2 * 7 + (origin.y() + at.y()) / 2 * 13) & 0xff;
+        EXPECT_EQ(qGray(shown.pixel(at)), expected) << at.x() << "," << at.y();
+    }
+
+    slider->setValue(13);  // 1:4
+    EXPECT_EQ(scroll->displayedSize(), QSize(250, 200));
+    EXPECT_EQ(scroll->horizontalScrollBar()->maximum(), 0);
+    save_screenshot(&view, QStringLiteral("preview_main_zoom_1_4"));
+}
+
+TEST_F(MainImageTest, PanningWithTheSpaceBarMovesTheViewAndANewScanKeepsIt) {
+    GreyDrawing sheet(ramp(1200, 900));
+    view.setDrawing(sheet.drawing);
+    QWidget *port = scroll->viewport();
+    const QPoint start = scrollPosition(scroll);
+
+    // Without the space bar a drag does nothing.
+    mouse(port, QEvent::MouseButtonPress, QPoint(200, 150), Qt::LeftButton, Qt::LeftButton);
+    mouse(port, QEvent::MouseMove, QPoint(150, 100), Qt::NoButton, Qt::LeftButton);
+    mouse(port, QEvent::MouseButtonRelease, QPoint(150, 100), Qt::LeftButton, Qt::NoButton);
+    EXPECT_EQ(scrollPosition(scroll), start);
+    EXPECT_FALSE(scroll->moved());
+
+    view.setHeldKey(' ');
+    mouse(port, QEvent::MouseButtonPress, QPoint(200, 150), Qt::LeftButton, Qt::LeftButton);
+    EXPECT_NE(QApplication::overrideCursor(), nullptr);
+    mouse(port, QEvent::MouseMove, QPoint(150, 110), Qt::NoButton, Qt::LeftButton);
+    mouse(port, QEvent::MouseMove, QPoint(140, 90), Qt::NoButton, Qt::LeftButton);
+    mouse(port, QEvent::MouseButtonRelease, QPoint(140, 90), Qt::LeftButton, Qt::NoButton);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    view.setHeldKey(0);
+    const QPoint panned = start + QPoint(60, 60);
+    EXPECT_EQ(scrollPosition(scroll), panned);
+    EXPECT_TRUE(scroll->moved());
+    save_screenshot(&view, QStringLiteral("preview_main_panned"));
+
+    GreyDrawing next(ramp(1200, 900));
+    view.setDrawing(next.drawing);
+    EXPECT_EQ(scrollPosition(scroll), panned);
+}
+
+TEST_F(MainImageTest, ZoomDragStepsTheSliderEveryTwentyFivePixels) {
+    GreyDrawing sheet(ramp(600, 400));
+    view.setDrawing(sheet.drawing);
+    QWidget *port = scroll->viewport();
+    view.setHeldKey(' ');
+    mouse(port, QEvent::MouseButtonPress, QPoint(100, 100), Qt::MiddleButton, Qt::MiddleButton);
+    // Short moves add up: the last y stays until a step is made.
+    mouse(port, QEvent::MouseMove, QPoint(100, 110), Qt::NoButton, Qt::MiddleButton);
+    mouse(port, QEvent::MouseMove, QPoint(100, 120), Qt::NoButton, Qt::MiddleButton);
+    EXPECT_EQ(slider->value(), 16);
+    mouse(port, QEvent::MouseMove, QPoint(100, 130), Qt::NoButton, Qt::MiddleButton);
+    EXPECT_EQ(slider->value(), 17);
+    EXPECT_EQ(scroll->displayedSize(), QSize(1200, 800));
+    mouse(port, QEvent::MouseMove, QPoint(100, 70), Qt::NoButton, Qt::MiddleButton);  // 60 up: two steps
+    EXPECT_EQ(slider->value(), 15);
+    EXPECT_EQ(view.scaleSlider()->label()->text(), QStringLiteral("Scale: 1:2"));
+    mouse(port, QEvent::MouseButtonRelease, QPoint(100, 70), Qt::MiddleButton, Qt::NoButton);
+    EXPECT_FALSE(scroll->moved());
+}
+
+TEST(ScanImageCopyTest, PreviewFitsItsFixedSizeAndOverviewSharesAtOneToFour) {
+    TUScanImage main(0), preview(1), overview(2);
+    preview.setFixedSize(300, 200);
+    preview.setFixedSizeForCopies(300, 200);
+    overview.setFixedSize(300, 100);
+    GreyDrawing sheet(ramp(1200, 400));
+    main.setDrawing(sheet.drawing);
+
+    TUScanImage::copyFrom(&preview, &main);
+    const QImage &small = preview.scrollImage()->image();
+    EXPECT_EQ(small.size(), QSize(300, 100));  // the aspect ratio kept
+    EXPECT_EQ(small.depth(), 32);
+    EXPECT_EQ(preview.scrollImage()->displayedSize(), QSize(300, 200));
+
+    TUScanImage::copyFrom(&overview, &main);
+    EXPECT_TRUE(overview.scrollImage()->borrowed());
+    EXPECT_EQ(overview.scrollImage()->scaleFactor(), -3);
+    EXPECT_EQ(overview.scrollImage()->displayedSize(), QSize(300, 100));
+    EXPECT_EQ(overview.scrollImage()->image().cacheKey(), main.scrollImage()->image().cacheKey());
+
+    overview.clear();
+    main.clear();
+    TUScanImage::copyFrom(&preview, &main);
+    EXPECT_TRUE(preview.scrollImage()->image().isNull());
+}
+
+TEST(ScanImageChartTest, ShowsAPaintedTestScannerChart) {
+    const QImage chart = paint_field_chart(12.0, 50.0, false, 1.0, 1.0, FieldChartSkew());
+    GreyDrawing sheet(chart);
+    QWidget window;
+    window.resize(760, 560);
+    TUScanImage main(0, &window), preview(1, &window), overview(2, &window);
+    main.setGeometry(0, 0, 440, 560);
+    preview.setGeometry(450, 0, 300, 200);
+    preview.setFixedSizeForCopies(300, 200);
+    overview.setGeometry(450, 220, 300, 100);
+    window.show();
+    main.scaleSlider()->slider()->setValue(15);  // 1:2
+    main.setDrawing(sheet.drawing);
+    TUScanImage::copyFrom(&overview, &main);
+    TUScanImage::copyFrom(&preview, &main);
+    save_screenshot(&window, QStringLiteral("preview_field_chart"));
+    // The overview starts at the sheet's top left corner.
+    EXPECT_EQ(scrollPosition(overview.scrollImage()), QPoint(0, 0));
+    EXPECT_EQ(overview.scrollImage()->displayedSize(), QSize(chart.width() / 4, chart.height() / 4));
+
+    EXPECT_EQ(main.scrollImage()->displayedSize(), QSize(chart.width() / 2, chart.height() / 2));
+    // The chart is white on black: both show where the image lies.
+    const QImage shown = main.scrollImage()->viewport()->grab().toImage();
+    const QSize covered = main.scrollImage()->displayedSize().boundedTo(shown.size());
+    int dark = 0, light = 0;
+    for (int y = 0; y < covered.height(); y += 4)
+        for (int x = 0; x < covered.width(); x += 4) (qGray(shown.pixel(x, y)) < 64 ? dark : light)++;
+    EXPECT_GT(dark, 0);
+    EXPECT_GT(light, 0);
+}
+
+}  // namespace

@@ -1,0 +1,206 @@
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include "vectorize/pix2vec_options.h"
+
+namespace {
+
+// Every record starts from an empty data folder, so that no default style of
+// the machine leaks in.
+class Pix2vecOptions : public ::testing::Test {
+protected:
+    void SetUp() override { qputenv("SCAN_DATA_DIR", dir.path().toLocal8Bit()); }
+    void TearDown() override { qunsetenv("SCAN_DATA_DIR"); }
+
+    QTemporaryDir dir;
+};
+
+}  // namespace
+
+TEST_F(Pix2vecOptions, NumbersAreNormalisedWhenParsed) {
+    TUPix2vecOptions o;
+    EXPECT_TRUE(o.parseOptionLine("-rgb_alpha 128 -fit_degreel 2 -fit_degreec 1", false));
+    EXPECT_NEAR(o.rgb_alpha, 0.50196, 1e-5);
+    EXPECT_EQ(o.fit_degreel, 3);
+    EXPECT_EQ(o.fit_degreec, 1);
+    for (auto [text, value] : {std::pair{"0.5", 0.5}, {"300", 1.0}, {"-4", 0.0}}) {
+        o.parseOptionLine(QStringLiteral("-rgb_alpha %1").arg(text), false);
+        EXPECT_DOUBLE_EQ(o.rgb_alpha, value) << text;
+    }
+    o.resetDefaults();
+    EXPECT_EQ(o.rgb_alpha, 255);
+    EXPECT_FALSE(o.optionLine(true, true, true, true, true, true, true, true, true).contains("rgb_alpha"));
+}
+
+TEST_F(Pix2vecOptions, BubbleValuesOutOfRangeGetTheirReplacements) {
+    TUPix2vecOptions o;
+    EXPECT_TRUE(o.parseOptionLine("-bubble_gap 0 -bubble_length -3 -min_radius 0.5 -max_radius -1", false));
+    EXPECT_EQ(o.bubble_gap, 7);
+    EXPECT_EQ(o.bubble_length, 32);
+    EXPECT_DOUBLE_EQ(o.min_radius, 0.5);
+    EXPECT_DOUBLE_EQ(o.max_radius, 4);
+    o.parseOptionLine("-min_radius -1", false);
+    EXPECT_DOUBLE_EQ(o.min_radius, 2);
+}
+
+TEST_F(Pix2vecOptions, ValuesThatAreNoNumbersReadAsZeroWithoutError) {
+    TUPix2vecOptions o;
+    EXPECT_TRUE(o.parseOptionLine("-gap abc -output_version 5", false));
+    EXPECT_EQ(o.gap, 0);
+    EXPECT_EQ(o.output_version, 0);
+    EXPECT_TRUE(o.parseOptionLine("-output_version 604", false));
+    EXPECT_EQ(o.output_version, 1002);
+    // Only the model unit is checked.
+    EXPECT_FALSE(o.parseOptionLine("-pixelPerModelUnit abc", false));
+    EXPECT_EQ(o.lastError, "Invalid pixel per model unit provided: abc.\n");
+}
+
+TEST_F(Pix2vecOptions, VectorizationColourIdTakesIdNameAndBytes) {
+    TUPix2vecOptions o;
+    EXPECT_TRUE(o.parseOptionLine("-vectorization_color_id 3,Ink", false));
+    EXPECT_EQ(o.vectorizationColorId, 5u);
+    EXPECT_EQ(o.colorName, "Ink");
+    o.parseOptionLine("-vectorization_color_id ff,,Red,200,10,20", false);
+    EXPECT_EQ(o.vectorizationColorId, 0xffu);
+    EXPECT_EQ(o.colorName, "Red");
+    EXPECT_EQ(o.colorR, 200);
+    EXPECT_EQ(o.colorB, 20);
+    EXPECT_EQ(o.colorA, 255);  // five parts leave alpha alone
+    o.parseOptionLine("-vectorization_color_id 10,Blue,1,2,3,128", false);
+    EXPECT_EQ(o.colorR, 1);
+    EXPECT_EQ(o.colorA, 128);
+    o.parseOptionLine("-vectorization_color_id 10,Blue,9,9", false);
+    EXPECT_EQ(o.colorR, 1);  // three or four parts: the numbers are ignored
+}
+
+TEST_F(Pix2vecOptions, AnalyzeSendsOutputNowhereUnlessAnOutputFileIsGiven) {
+    TUPix2vecOptions o;
+    o.parseOptionLine("-outfile x -analyze", false);
+    EXPECT_EQ(o.outfile, "x");
+    o.resetDefaults();
+    o.parseOptionLine("-analyze -outfile x", false);
+    EXPECT_EQ(o.outfile, "x");
+    o.resetDefaults();
+    o.parseOptionLine("-analyze", false);
+    EXPECT_EQ(o.outfile, "/dev/null");
+}
+
+TEST_F(Pix2vecOptions, FailuresStopTheParseAndKeepWhatCameBefore) {
+    TUPix2vecOptions o;
+    EXPECT_FALSE(o.parseOptionLine("-gap 4 -keep_peg_bars -gap 6", false));
+    EXPECT_EQ(o.errors, 1);
+    EXPECT_EQ(o.gap, 4);
+    EXPECT_EQ(o.lastError,
+              "-keep_peg_bars is deprecated. It is now on by default. Use -remove_peg_bars to remove peg bars.\n");
+
+    const std::pair<const char *, const char *> cases[] = {
+        {"-gap", "No gap size specified with gap.\n"},
+        {"-rgb_alpha", "No alpha value specified with -rgb_alpha.\n"},
+        {"-fs", "No field size fs\n"},
+        {"-register 200 T", "No strictness -register\n"},
+        {"-rmv_hairs 2", "Number of passes not specified with -rmv_hairs.\n"},
+        {"-premultiply grey", "Wrong value specified for -premultiply: (grey).\n Expecting [straight|white|black].\n"},
+        {"-4colours dark", "Wrong 4 colour options.\n"},
+        {"file.tif", "Incorrect Usage (\"file.tif\")"},
+        {"-Gap 3", "Incorrect Usage (\"-Gap\")"},
+        {"-stroke_thickness 3", "Incorrect Usage (\"-stroke_thickness\")"},
+        // Dashed values are missing values for these two.
+        {"-penstyle -1 0.1 5 1 1 8 noise.png", "No center alpha specified with -penstyle\n"},
+        {"-penstyle 1 0.1 5 -1 1 8 noise.png", "No center pressure specified with -penstyle\n"},
+        {"-pressure_variation 1 0.5 -1 0.1", "No max pressure specified with -pressure_variation\n"},
+    };
+    for (const auto &[line, error] : cases) {
+        TUPix2vecOptions fresh;
+        EXPECT_FALSE(fresh.parseOptionLine(line, false)) << line;
+        EXPECT_EQ(fresh.lastError, error) << line;
+    }
+    o.resetDefaults();  // errors count until a reset
+    EXPECT_TRUE(o.parseOptionLine("-stroke_thickness 3", true));
+    EXPECT_EQ(o.stroke_thickness, 3);
+}
+
+TEST_F(Pix2vecOptions, RegisterWordsMapToSidesAndStrictness) {
+    TUPix2vecOptions o;
+    EXPECT_TRUE(o.parseOptionLine("-register 200 top loose -out_peg_position same -scanner_calibrate -2 1.5", false));
+    EXPECT_TRUE(o.register_);
+    EXPECT_EQ(o.dpi, 200);
+    EXPECT_EQ(o.side, 1);
+    EXPECT_EQ(o.strict, 0);
+    EXPECT_EQ(o.out_peg_position, 0);
+    EXPECT_EQ(o.calibX, 1);
+    EXPECT_EQ(o.calibY, 1.5);
+    o.parseOptionLine("-register 150 x Strict -out_peg_position r", false);
+    EXPECT_EQ(o.side, 3);
+    EXPECT_EQ(o.strict, 1);
+    EXPECT_EQ(o.out_peg_position, 4);
+    EXPECT_TRUE(o.optionLine(true, true, true, true, true, true, true, true, false)
+                    .contains("-register 150 L S "));
+    EXPECT_FALSE(o.optionLine(true, false, true, true, true, true, true, true, false).contains("-register"));
+}
+
+TEST_F(Pix2vecOptions, StyleLineReadsBackToTheSameRecord) {
+    TUPix2vecOptions o;
+    ASSERT_TRUE(o.parseOptionLine(
+        "-file in.tif -gap 3.5 -threshl 0.25 -rmv_hairs 2 4 -2pass -support_thin_lines -layer g:l -rgb "
+        "-rgb_alpha 0.5 -threshsv 0.3 0.7 -4colours rt:0.9 dirt:200 -bubble_gap 5 -remove_peg_bars -debug -debug "
+        "-noughtsfile n.txt -margins 0.5 -register 300 R S -out_peg_position B -pressure_variation 2 0.25 0.75 0.2 "
+        "-buildmatte_colourart -copystrokes -scanner_calibrate 1.01 0.99 -stroke_thickness 4 -output_version 604",
+        true));
+    const QString line = o.styleLine(true);
+    TUPix2vecOptions back;
+    back.resetDefaults();
+    ASSERT_TRUE(back.parseOptionLine(line, true)) << qPrintable(back.lastError) << qPrintable(line);
+    EXPECT_EQ(back.styleLine(true), line);
+    EXPECT_EQ(back.fourColourOptions.redThreshold, 229);
+    EXPECT_EQ(back.debug, 2);
+    EXPECT_EQ(back.matteTarget, 1);
+    EXPECT_EQ(back.side, 4);
+    EXPECT_FALSE(back.keep_peg_bars);
+    EXPECT_EQ(back.top_margin, 0.5);
+    EXPECT_FLOAT_EQ(back.pressure_max, 0.75f);
+    EXPECT_EQ(back.stroke_thickness, 4);
+    EXPECT_TRUE(line.contains("-margins 0.5 "));
+
+    // A style with colour quantizing writes the option without its dash and
+    // does not read back.
+    o.quantize_color = true;
+    TUPix2vecOptions slip;
+    EXPECT_FALSE(slip.parseOptionLine(o.styleLine(true), true));
+    EXPECT_EQ(slip.lastError, "Incorrect Usage (\"quantize_color\")");
+}
+
+TEST_F(Pix2vecOptions, DefaultStyleIsLoadedAndResetKeepsThePenstyle) {
+    {
+        QFile style(dir.filePath("default.vof"));
+        ASSERT_TRUE(style.open(QIODevice::WriteOnly));
+        style.write("-gap 3 -penstyle 0.5 0.2 4 1 1 6 missing.png -stroke_thickness 5\n");
+    }
+    TUPix2vecOptions o;
+    EXPECT_EQ(o.errors, 0);
+    EXPECT_EQ(o.gap, 3);
+    EXPECT_EQ(o.stroke_thickness, 5);
+    EXPECT_TRUE(o.penstyle);
+    EXPECT_FALSE(o.penstyle_noise);  // the bitmap does not exist: no error, no bitmap
+    o.resetDefaults();
+    EXPECT_EQ(o.gap, 10);
+    EXPECT_FLOAT_EQ(o.penstyle_center_alpha, 0.5f);
+    EXPECT_TRUE(o.optionLine(false, false, false, false, false, false, false, false, false)
+                    .contains("-penstyle 0.5 0.2 4 1 1 6 missing.png "));
+}
+
+TEST_F(Pix2vecOptions, HelpEndsTheParseAndPicksSections) {
+    TUPix2vecOptions o;
+    o.parseArguments(4, {"pix2vec", "--help", "filter", "-gap"}, false, false);
+    EXPECT_EQ(o.help, 1);
+    EXPECT_EQ(o.errors, 0);
+    const QString filter = o.helpText(HELP_FILTER);
+    EXPECT_TRUE(filter.contains("\t-gap <world units>  close gaps up to this big (default 10)\n"));
+    EXPECT_FALSE(filter.contains("-rgb_alpha"));
+    EXPECT_TRUE(filter.startsWith(QString(71, '-') + '\n'));
+    const QString all = o.helpText(HELP_ALL);
+    EXPECT_LT(all.indexOf("-register "), all.indexOf("-gap "));
+    EXPECT_LT(all.indexOf("-threshsv"), all.indexOf("-blur_radius"));
+    EXPECT_TRUE(all.contains("(default 1.33333)"));
+}

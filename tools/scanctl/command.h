@@ -22,3 +22,4 @@ int run_scan_command(const QStringList &args);
 int run_register_command(const QStringList &args);
 int run_db_command(const QStringList &args);
 int run_queue_command(const QStringList &args);
+int run_options_command(const QStringList &args);

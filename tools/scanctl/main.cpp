@@ -7,7 +7,7 @@
 #include "tools/scanctl/command.h"
 
 std::span<const ScanctlCommand> scanctl_commands() {
-    static const std::array<ScanctlCommand, 6> commands = {{
+    static const std::array<ScanctlCommand, 7> commands = {{
         {"scanners", "[--host NAME] [--all-hosts] [FILE]",
          "read a Scan.conf as the station does and show what each scanner can do", run_scanners_command},
         {"info", "FILE...", "read scan files as the station loads them and show size, pixels, format and scan information",
@@ -26,6 +26,9 @@ std::span<const ScanctlCommand> scanctl_commands() {
          "make and show the production in the database: jobs, scenes, elements and their drawings", run_db_command},
         {"queue", "list | show | take | done | fail | add | work ... [--db URL] [--env NAME]",
          "list, take and finish the entries of the vectorize queue", run_queue_command},
+        {"options", "[--style-line] LINE | --help [SECTION]",
+         "read a vectorize option line as the vectorizer does and print it back, or the options' help",
+         run_options_command},
     }};
     return commands;
 }

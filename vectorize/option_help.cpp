@@ -41,6 +41,16 @@ void warn(const QString &text) { TUMessage::instance()->write(TUMessage::TypeWar
 
 }  // namespace
 
+int pix2vecHelpSectionMask(const QString &word) {
+    static const std::pair<const char *, int> kTopics[] = {
+        {"all", HELP_ALL},       {"io", HELP_IO},         {"color", HELP_COLOR}, {"register", HELP_REGISTER},
+        {"filter", HELP_FILTER}, {"bubble", HELP_BUBBLE}, {"rgb", HELP_RGB},     {"4colours", HELP_4COLOURS},
+    };
+    for (const auto &[topic, bits] : kTopics)
+        if (word == QLatin1String(topic)) return bits;
+    return 0;
+}
+
 QString TUPix2vecOptions::helpText(int sectionMask) const {
     const QString rule = QString(71, QLatin1Char('-')) + QLatin1Char('\n');
     QString text;

@@ -42,14 +42,7 @@ OptionOutcome parseVersion(OptionCursor &c, const OptionSpec &) {
 
 OptionOutcome parseHelp(OptionCursor &c, const OptionSpec &) {
     int mask = 0;
-    if (const auto section = c.next()) {
-        static const std::pair<const char *, int> kSections[] = {
-            {"all", HELP_ALL},       {"io", HELP_IO},         {"color", HELP_COLOR}, {"register", HELP_REGISTER},
-            {"filter", HELP_FILTER}, {"bubble", HELP_BUBBLE}, {"rgb", HELP_RGB},     {"4colours", HELP_4COLOURS},
-        };
-        for (const auto &[word, bits] : kSections)
-            if (*section == QLatin1String(word)) mask = bits;
-    }
+    if (const auto section = c.next()) mask = pix2vecHelpSectionMask(*section);
     c.options.printUsage(c.argc, c.argv, true, mask);
     c.options.help = 1;
     return OptionOutcome::stop();

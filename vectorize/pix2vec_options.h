@@ -27,6 +27,9 @@ enum Pix2vecHelpSection : int {
     HELP_ALL = 127,
 };
 
+// The section bits that a help topic word names ("all", "io", ...); 0 for any other word.
+int pix2vecHelpSectionMask(const QString &word);
+
 // The registration members (dpi, side, strict, looseness, rmargin, threshr,
 // pegpitch, centerPegHoles, rdebug, calibX, calibY) come from the base, so that
 // the peg hole search reads this record directly.

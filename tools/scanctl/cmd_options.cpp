@@ -8,16 +8,6 @@
 
 namespace {
 
-int helpMask(const QString &section) {
-    static const std::pair<const char *, int> kSections[] = {
-        {"all", HELP_ALL},       {"io", HELP_IO},         {"color", HELP_COLOR}, {"register", HELP_REGISTER},
-        {"filter", HELP_FILTER}, {"bubble", HELP_BUBBLE}, {"rgb", HELP_RGB},     {"4colours", HELP_4COLOURS},
-    };
-    for (const auto &[word, bits] : kSections)
-        if (section == QLatin1String(word)) return bits;
-    return 0;
-}
-
 void printUsage(std::FILE *out) {
     std::fprintf(out,
                  "usage: scanctl options [--style-line] LINE\n"
@@ -34,7 +24,7 @@ int run_options_command(const QStringList &argsIn) {
     }
     TUPix2vecOptions options;
     if (args.first() == QLatin1String("--help") || args.first() == QLatin1String("-h")) {
-        const int mask = args.size() > 1 ? helpMask(args.at(1)) : HELP_ALL;
+        const int mask = args.size() > 1 ? pix2vecHelpSectionMask(args.at(1)) : HELP_ALL;
         if (!mask) {
             printUsage(stderr);
             return 2;

@@ -28,5 +28,5 @@ public:
 };
 
 // Builds the main window over the open database with the debug switches of
-// the command line. Null while this build has no main window.
+// the command line.
 std::unique_ptr<StationWindow> createStationWindow(const StationStart &start);

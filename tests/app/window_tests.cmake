@@ -2,4 +2,5 @@
 scan_add_gui_test(test_app_window
   SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/test_menu_button.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/test_station_window.cpp
   LIBS app)

@@ -1,0 +1,120 @@
+#pragma once
+// The station window on a real session: a Scan.conf of this machine with the
+// test scanners, a production in an embedded SQLite file, reports recorded
+// instead of shown, no real waits in the device code, and an operator who
+// answers message boxes by the text of a button.
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "app/tukqscan.h"
+#include "app/tumenu_button.h"
+#include "scan/scanner_device.h"
+#include "suite/base/message_fixture.h"
+#include "suite/base/osw_util.h"
+#include "suite/db/sql_db_access.h"
+#include "qstring_print.h"
+#include "support/screenshot.h"
+#include "workflow/config.h"
+
+// Answers every message box that opens with the button of `answer`, after
+// saving a screenshot of the first one as `shot`.
+class BoxOperator : public QObject {
+public:
+    BoxOperator(QString answer, QString shot) : answer_(std::move(answer)), shot_(std::move(shot)) {
+        connect(&timer_, &QTimer::timeout, this, &BoxOperator::look);
+        timer_.start(5);
+    }
+    QStringList titles;
+    QStringList texts;
+
+private:
+    void look() {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (!box || !box->isVisible()) return;
+        titles << box->windowTitle();
+        texts << box->text();
+        if (!shot_.isEmpty()) save_screenshot(box, shot_);
+        shot_.clear();
+        for (QAbstractButton *b : box->buttons())
+            if (b->text() == answer_) return b->click();
+        box->reject();
+    }
+    QString answer_;
+    QString shot_;
+    QTimer timer_;
+};
+
+class StationWindowTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(dir_.isValid());
+        ASSERT_TRUE(QDir(dir_.path()).mkdir(QStringLiteral("logs")));
+        oldCwd_ = QDir::currentPath();
+        QDir::setCurrent(dir_.path());
+        oldSleep_ = set_sleep_function_of_ScanDevice([](int) {});
+        ASSERT_TRUE(oswUtil::getShortMachineName(host_));
+        messages_ = std::make_unique<InstalledMessage>(
+            std::make_unique<RecordingMessage>(settingsIn(dir_.filePath(QStringLiteral("logs")))));
+        db_ = std::make_unique<SqlDbAccess>(dir_.filePath(QStringLiteral("production.db")));
+        db_->dba_Initialize2dSystem(QStringLiteral("test"));
+        ASSERT_EQ(db_->dba_Open2dDatabaseSession(), 0) << db_->lastError().toStdString();
+        window_ = std::make_unique<TUKqScan>(db_.get(), nullptr, false, false);
+    }
+    void TearDown() override {
+        if (config_) ScanConfigDestroy(config_);
+        window_.reset();
+        set_sleep_function_of_ScanDevice(oldSleep_);
+        QDir::setCurrent(oldCwd_);
+        while (QApplication::overrideCursor()) QApplication::restoreOverrideCursor();
+    }
+
+    std::string block(const std::string &name, const std::string &model, const std::string &more = {}) const {
+        return "host: " + host_.toStdString() + "\nname: " + name + "\ndevice: fieldchart\nmodel: " + model + "\n" +
+               more;
+    }
+    // The colour test scanner and a black and white one.
+    std::string twoScanners() const {
+        return block("Test Scanner", "Bogus-Color", "defaultPegSide: Bottom\ndefaultResolution: 200\n") +
+               block("Line Art", "Bogus-B&W", "defaultResolution: 300\ndefaultPegSide: Top\n");
+    }
+
+    // Starts the session on a Scan.conf of these blocks and shows the window.
+    ScanConfig *start(const std::string &conf) {
+        const QString path = dir_.filePath(QStringLiteral("Scan.conf"));
+        QFile f(path);
+        EXPECT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        f.write(conf.data(), static_cast<qint64>(conf.size()));
+        f.close();
+        config_ = ScanConfigCreate(path, window_.get());
+        window_->setConfig(config_);
+        window_->show(false);
+        return config_;
+    }
+
+    // What the operator does with a selection button's menu.
+    void choose(SelectionButton button, int id) {
+        QAction *entry = window_->selectionButton(button)->entry(id);
+        ASSERT_NE(entry, nullptr);
+        ASSERT_TRUE(entry->isEnabled());
+        entry->trigger();
+    }
+
+    QTemporaryDir dir_;
+    QString oldCwd_;
+    QString host_;
+    ScanSleepFunction oldSleep_ = nullptr;
+    std::unique_ptr<InstalledMessage> messages_;
+    std::unique_ptr<SqlDbAccess> db_;
+    std::unique_ptr<TUKqScan> window_;
+    ScanConfig *config_ = nullptr;
+};

@@ -1,0 +1,213 @@
+// The station window driven as an operator would: menus that follow the
+// scanner, a manual list scanned with F5, the Stop question, the no-scanner
+// question, and settings restored from a scan file.
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QTest>
+
+#include "app/param_dlg.h"
+#include "app/param_speed_widget.h"
+#include "app/param_widget.h"
+#include "app/scan_image.h"
+#include "app/scroll_image.h"
+#include "app/tumanual_list_dlg.h"
+#include "scan/drawing.h"
+#include "station_window_fixture.h"
+#include "workflow/drawing_list.h"
+
+namespace {
+
+bool hasPicture(TUScanImage *view) { return !view->scrollImage()->image().isNull(); }
+
+}  // namespace
+
+class StationSession : public StationWindowTest {
+protected:
+    // Builds a manual list in the dialog, as the operator types it.
+    void buildList(const QString &numbers) {
+        QTimer::singleShot(0, window_.get(), [this, numbers] {
+            TUManualListDlg *dlg = window_->manualListDlg();
+            ASSERT_NE(dlg, nullptr);
+            dlg->pathEdit()->setText(dir_.path());
+            dlg->prefixEdit()->setText(QStringLiteral("T"));
+            dlg->numbersEdit()->setText(numbers);
+            dlg->addDrawing();
+            save_screenshot(dlg, QStringLiteral("station_manual_list"));
+            dlg->apply();
+        });
+        window_->buildManualList();
+    }
+    QString row(int r) const { return window_->drawingList()->item(r)->text(); }
+    // Presses Stop whenever the scan loop lets it be pressed.
+    void pressStopDuringScan() {
+        auto *timer = new QTimer(window_.get());
+        QObject::connect(timer, &QTimer::timeout, window_.get(), [this, timer] {
+            QPushButton *stop = window_->button(SessionButton::Stop);
+            if (!stop->isEnabled()) return;
+            timer->stop();
+            stop->click();
+        });
+        timer->start(1);
+    }
+};
+
+TEST_F(StationSession, StartsOnTheFirstScannerWithMenusFollowingItsCapabilities) {
+    ASSERT_NE(start(twoScanners()), nullptr);
+    TUMenuButton *scanner = window_->selectionButton(SelectionButton::Scanner);
+    EXPECT_EQ(scanner->text(), QStringLiteral("Test_Scanner"));
+    EXPECT_EQ(scanner->entry(kNoScannerId), nullptr);
+    EXPECT_EQ(window_->windowTitle(), QStringLiteral("Scan: Untitled"));
+    EXPECT_TRUE(window_->checkBox(SessionCheckBox::OpticalRegistration)->isChecked());
+    EXPECT_TRUE(window_->vectorizationStyleLabel()->text().startsWith(QStringLiteral("Vectorization Style: ")));
+    // The colour test scanner offers every depth but no 240 dpi.
+    TUMenuButton *dpi = window_->selectionButton(SelectionButton::Dpi);
+    EXPECT_FALSE(dpi->entry(4)->isEnabled());
+    EXPECT_TRUE(dpi->entry(3)->isEnabled());
+    EXPECT_EQ(dpi->text(), QStringLiteral("200 dpi"));
+    EXPECT_EQ(window_->selectionButton(SelectionButton::Peg)->text(), QStringLiteral("Bottom Peg"));
+    for (int depth = 0; depth < 3; ++depth)
+        EXPECT_TRUE(window_->selectionButton(SelectionButton::Colour)->entry(depth)->isEnabled()) << depth;
+    // Without a list nothing can be scanned, and F5 does nothing.
+    EXPECT_FALSE(window_->button(SessionButton::Scan)->isEnabled());
+    QTest::keyClick(window_.get(), Qt::Key_F5);
+    EXPECT_EQ(drawing_of_ScanConfig(config_), nullptr);
+    save_screenshot(window_.get(), QStringLiteral("station_start"));
+
+    // The black and white scanner: its depth shows with one ampersand (a
+    // button shows "&&" as one), it offers 240 dpi, and the panel shows
+    // threshold and speed.
+    choose(SelectionButton::Scanner, 1);
+    TUMenuButton *colour = window_->selectionButton(SelectionButton::Colour);
+    EXPECT_EQ(scanner->text(), QStringLiteral("Line_Art"));
+    EXPECT_EQ(colour->text(), QStringLiteral("Black && White"));
+    EXPECT_EQ(colour->entry(0)->text(), QStringLiteral("&Black && White"));
+    EXPECT_TRUE(dpi->entry(4)->isEnabled());
+    EXPECT_EQ(window_->selectionButton(SelectionButton::Peg)->text(), QStringLiteral("Top Peg"));
+    ASSERT_NE(window_->paramDlg()->thresholdWidget(), nullptr);
+    EXPECT_FALSE(window_->paramDlg()->thresholdWidget()->isHidden());
+    ASSERT_NE(window_->paramDlg()->speedWidget(), nullptr);
+    EXPECT_FALSE(window_->paramDlg()->speedWidget()->isHidden());
+    save_screenshot(window_.get(), QStringLiteral("station_line_art"));
+}
+
+TEST_F(StationSession, ALongScannerNameIsCutOnTheButtonOnly) {
+    ASSERT_NE(start(block("Scanner Of The Ink And Paint Room", "Bogus-Color")), nullptr);
+    TUMenuButton *scanner = window_->selectionButton(SelectionButton::Scanner);
+    EXPECT_EQ(scanner->text(), QStringLiteral("Scanner_Of_The_Ink_A"));
+    EXPECT_EQ(scanner->entry(0)->text(), QStringLiteral("Scanner_Of_The_Ink_And_Paint_Room"));
+}
+
+TEST_F(StationSession, F5ScansTheManualListIntoAllThreeViews) {
+    ASSERT_NE(start(twoScanners()), nullptr);
+    buildList(QStringLiteral("1:3"));
+    ASSERT_EQ(window_->drawingList()->count(), 3);
+    EXPECT_EQ(window_->windowTitle(), QStringLiteral("Scan: Manual List"));
+    EXPECT_TRUE(window_->button(SessionButton::Scan)->isEnabled());
+    // Neither a double click nor Return on a row scans.
+    emit window_->drawingList()->itemActivated(window_->drawingList()->item(1));
+    emit window_->drawingList()->itemDoubleClicked(window_->drawingList()->item(1));
+    EXPECT_EQ(drawing_of_ScanConfig(config_), nullptr);
+
+    // The test scanner feeds: the overview is shown.
+    ASSERT_TRUE(autofeed_of_ScanConfig(config_));
+    EXPECT_FALSE(window_->overview()->isHidden());
+    BoxOperator operatorAnswers(QStringLiteral("Retry"), QStringLiteral("station_unexpected_question"));
+    QTest::keyClick(window_.get(), Qt::Key_F5);
+    EXPECT_TRUE(operatorAnswers.titles.isEmpty()) << operatorAnswers.titles.join(", ").toStdString();
+    ASSERT_NE(drawing_of_ScanConfig(config_), nullptr);
+    const QString summary = summary_of_ScanConfig(config_);
+    EXPECT_EQ(summary, QStringLiteral("Colour, 200dpi, 12.0F, bottom, O/R"));
+    for (int r = 0; r < 3; ++r)
+        EXPECT_EQ(row(r), QString::number(r + 1) + QStringLiteral(" (Scanned) ") + summary);
+    EXPECT_TRUE(hasPicture(window_->mainImage()));
+    EXPECT_TRUE(hasPicture(window_->framePreview()));
+    EXPECT_TRUE(hasPicture(window_->overview()));
+    EXPECT_LE(window_->framePreview()->scrollImage()->image().width(), 300);
+    EXPECT_TRUE(window_->lastScannedLabel()->text().startsWith(QStringLiteral("Last Scanned:")));
+    EXPECT_TRUE(window_->button(SessionButton::Scan)->isEnabled());
+    EXPECT_FALSE(window_->button(SessionButton::Stop)->isEnabled());
+    save_screenshot(window_.get(), QStringLiteral("station_scanned"));
+}
+
+TEST_F(StationSession, StopFinishingThisDrawingEndsTheListAfterIt) {
+    ASSERT_NE(start(twoScanners()), nullptr);
+    buildList(QStringLiteral("1:3"));
+    BoxOperator operatorAnswers(QStringLiteral("Finish This Drawing"), QStringLiteral("station_stop_question"));
+    pressStopDuringScan();
+    QTest::keyClick(window_.get(), Qt::Key_F5);
+    ASSERT_EQ(operatorAnswers.titles, QStringList{QStringLiteral("Scan: Stop Scanning")});
+    EXPECT_EQ(operatorAnswers.texts.first(),
+              QStringLiteral("Do you want to stop scanning immediately,\nor finish scanning the current drawing?"));
+    EXPECT_TRUE(row(0).startsWith(QStringLiteral("1 (Scanned) ")));
+    EXPECT_EQ(row(1), QStringLiteral("2"));
+    EXPECT_EQ(row(2), QStringLiteral("3"));
+}
+
+TEST_F(StationSession, StopImmediatelyLeavesTheRowUnscanned) {
+    ASSERT_NE(start(twoScanners()), nullptr);
+    buildList(QStringLiteral("1:3"));
+    BoxOperator operatorAnswers(QStringLiteral("Stop Immediately"), QString());
+    pressStopDuringScan();
+    QTest::keyClick(window_.get(), Qt::Key_F5);
+    ASSERT_EQ(operatorAnswers.titles.size(), 1);
+    for (int r = 0; r < 3; ++r) EXPECT_EQ(row(r), QString::number(r + 1));
+    EXPECT_TRUE(window_->button(SessionButton::Scan)->isEnabled());
+    save_screenshot(window_.get(), QStringLiteral("station_stopped"));
+}
+
+TEST_F(StationSession, LoadFromFileRestoresTheSettingsTheFileWasScannedWith) {
+    ASSERT_NE(start(twoScanners()), nullptr);
+    choose(SelectionButton::Scanner, 1);
+    choose(SelectionButton::Dpi, 2);    // 150 dpi
+    choose(SelectionButton::Field, 1);  // 16 field
+    choose(SelectionButton::Peg, 1);    // left
+    buildList(QStringLiteral("7"));
+    BoxOperator operatorAnswers(QStringLiteral("Retry"), QString());
+    QTest::keyClick(window_.get(), Qt::Key_F5);
+    ASSERT_NE(drawing_of_ScanConfig(config_), nullptr);
+    ASSERT_TRUE(row(0).startsWith(QStringLiteral("7 (Scanned)")));
+    const Drawing *scanned = drawing_of_ScanConfig(config_);
+    const QDir folder(path_of_Drawing(scanned));
+    const QStringList files = folder.entryList({file_base_name_of_Drawing(scanned) + QStringLiteral(".*")}, QDir::Files);
+    ASSERT_EQ(files.size(), 1) << files.join(' ').toStdString();
+    const QString file = folder.filePath(files.first());
+
+    // Another scanner brings its own defaults.
+    choose(SelectionButton::Scanner, 0);
+    ASSERT_EQ(depth_of_ScanConfig(config_), 2);
+    ASSERT_EQ(dpi_of_ScanConfig(config_), 200u);
+
+    window_->loadFile(file);
+    EXPECT_EQ(window_->drawingList()->count(), 0);
+    EXPECT_EQ(window_->windowTitle(), QStringLiteral("Scan: ") + file);
+    EXPECT_EQ(depth_of_ScanConfig(config_), 0);
+    EXPECT_EQ(dpi_of_ScanConfig(config_), 150u);
+    EXPECT_DOUBLE_EQ(field_of_ScanConfig(config_), 16.0);
+    EXPECT_EQ(peg_side_of_ScanConfig(config_), 1);
+    EXPECT_EQ(window_->selectionButton(SelectionButton::Scanner)->text(), QStringLiteral("Line_Art"));
+    EXPECT_EQ(window_->selectionButton(SelectionButton::Colour)->text(), QStringLiteral("Black && White"));
+    EXPECT_EQ(window_->selectionButton(SelectionButton::Dpi)->text(), QStringLiteral("150 dpi"));
+    EXPECT_EQ(window_->selectionButton(SelectionButton::Field)->text(), QStringLiteral("16 Field"));
+    EXPECT_EQ(window_->selectionButton(SelectionButton::Peg)->text(), QStringLiteral("Left Peg"));
+    EXPECT_FALSE(window_->button(SessionButton::Save)->isEnabled());
+    EXPECT_TRUE(hasPicture(window_->mainImage()));
+    save_screenshot(window_.get(), QStringLiteral("station_loaded_file"));
+}
+
+TEST_F(StationWindowTest, WithoutScannersTheOperatorIsAskedWhetherToGoOn) {
+    {
+        BoxOperator operatorAnswers(QStringLiteral("Exit Scan Program"), QStringLiteral("station_no_scanner"));
+        EXPECT_EQ(start("# no scanner here\n"), nullptr);
+        ASSERT_EQ(operatorAnswers.titles, QStringList{QStringLiteral("No Scanners Present")});
+        EXPECT_TRUE(operatorAnswers.texts.first().startsWith(
+            QStringLiteral("No Scanners are attached to this computer. \nYou'll need to log into")));
+    }
+    BoxOperator operatorAnswers(QStringLiteral("Continue"), QString());
+    ASSERT_NE(start("# no scanner here\n"), nullptr);
+    EXPECT_EQ(window_->selectionButton(SelectionButton::Scanner)->text(), QStringLiteral("No Scanner"));
+    choose(SelectionButton::Scanner, kNoScannerId);  // ignored
+    EXPECT_EQ(scanner_kind_of_ScanConfig(config_), SCANNER_NONE);
+    save_screenshot(window_.get(), QStringLiteral("station_without_scanner"));
+}

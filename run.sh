@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs the station's main job on the
-# embedded sample: a sample Scan.conf for this machine with the test scanner,
-# a sample production database, and a headless scan of twelve drawings of its
-# element, which then wait on the vectorize queue.
+# Installs what is missing, builds, and runs the station on the embedded
+# sample: a sample Scan.conf for this machine with the test scanner and a
+# sample production database. With a display the station's window opens on
+# them; without one, a headless scan of twelve drawings of its element runs,
+# which then wait on the vectorize queue.
 set -euo pipefail
 cd "$(dirname "$0")"
 scripts/install-deps.sh
@@ -33,6 +34,13 @@ if [ ! -f "$db" ]; then
   $scanctl db create-scene Sample sc01 --path "$sample/sc01" --db "$db"
   $scanctl db create-element Sample sc01 Anim --scan-type colour --vectorize vectorize --field 12 --db "$db"
   $scanctl db expose Sample sc01 Anim "1:12" --db "$db"
+fi
+
+# With a display, the station itself opens on the sample production, ready to
+# scan: log in, choose Sample -> sc01 -> Anim and the drawings, then F5.
+if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+  echo "== Opening the station on $db with the scanners of $etc/Scan.conf =="
+  exec env SCAN_DB="$db" build/bin/Scan
 fi
 
 # The sample list, fed through the test scanner's feeder: each sheet comes in a

@@ -13,9 +13,11 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
+#include "app/tudb_selector.h"
 #include "app/tukqscan.h"
 #include "app/tumenu_button.h"
 #include "scan/scanner_device.h"
@@ -25,6 +27,7 @@
 #include "qstring_print.h"
 #include "support/screenshot.h"
 #include "workflow/config.h"
+#include "workflow/connect_database.h"
 
 // Answers every message box that opens with the button of `answer`, after
 // saving a screenshot of the first one as `shot`.
@@ -54,6 +57,21 @@ private:
     QTimer timer_;
 };
 
+// Acts once on the next modal dialog of type T, which is closed afterwards
+// if the step left it open; the watch ends with `owner`.
+template <typename T>
+void atNextDialog(QObject *owner, std::function<void(T *)> step) {
+    auto *timer = new QTimer(owner);
+    QObject::connect(timer, &QTimer::timeout, owner, [timer, step] {
+        auto *dialog = qobject_cast<T *>(QApplication::activeModalWidget());
+        if (!dialog) return;
+        timer->stop();
+        step(dialog);
+        if (dialog->isVisible()) dialog->reject();
+    });
+    timer->start(5);
+}
+
 class StationWindowTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -68,7 +86,8 @@ protected:
         db_ = std::make_unique<SqlDbAccess>(dir_.filePath(QStringLiteral("production.db")));
         db_->dba_Initialize2dSystem(QStringLiteral("test"));
         ASSERT_EQ(db_->dba_Open2dDatabaseSession(), 0) << db_->lastError().toStdString();
-        window_ = std::make_unique<TUKqScan>(db_.get(), nullptr, false, false);
+        selector_ = std::make_unique<TUDbSelector>(db_.get(), db_.get(), selector_user_types());
+        window_ = std::make_unique<TUKqScan>(db_.get(), selector_.get(), false, false);
     }
     void TearDown() override {
         if (config_) ScanConfigDestroy(config_);
@@ -115,6 +134,7 @@ protected:
     ScanSleepFunction oldSleep_ = nullptr;
     std::unique_ptr<InstalledMessage> messages_;
     std::unique_ptr<SqlDbAccess> db_;
+    std::unique_ptr<TUDbSelector> selector_;
     std::unique_ptr<TUKqScan> window_;
     ScanConfig *config_ = nullptr;
 };

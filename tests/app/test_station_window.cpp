@@ -2,6 +2,8 @@
 // scanner, a manual list scanned with F5, the Stop question, the no-scanner
 // question, and settings restored from a scan file.
 #include <QCheckBox>
+#include <QFileDialog>
+#include <QSlider>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -10,8 +12,11 @@
 #include "app/param_dlg.h"
 #include "app/param_speed_widget.h"
 #include "app/param_widget.h"
+#include "app/scale_slider.h"
 #include "app/scan_image.h"
 #include "app/scroll_image.h"
+#include "app/tudb_select_dlg.h"
+#include "app/tudrawing_selector.h"
 #include "app/tumanual_list_dlg.h"
 #include "scan/drawing.h"
 #include "station_window_fixture.h"
@@ -210,4 +215,86 @@ TEST_F(StationWindowTest, WithoutScannersTheOperatorIsAskedWhetherToGoOn) {
     choose(SelectionButton::Scanner, kNoScannerId);  // ignored
     EXPECT_EQ(scanner_kind_of_ScanConfig(config_), SCANNER_NONE);
     save_screenshot(window_.get(), QStringLiteral("station_without_scanner"));
+}
+
+// Open Drawings: the element chosen in the database, its unscanned drawings
+// taken from the selector, scanned with F5, marked and queued.
+TEST_F(StationSession, OpenDrawingsScansAnElementOfTheDatabase) {
+    const auto job = db_->createJob(QStringLiteral("Sample"));
+    ASSERT_TRUE(job);
+    ASSERT_TRUE(QDir(dir_.path()).mkpath(QStringLiteral("sc01/Anim")));
+    const auto scene = db_->createScene(job->id, QStringLiteral("sc01"), dir_.filePath(QStringLiteral("sc01")));
+    ASSERT_TRUE(scene);
+    LMV_element_data spec;
+    spec.name = spec.path = QStringLiteral("Anim");
+    spec.scanType = LMV_SCAN_COLOUR;
+    spec.needsVectorization = LMV_VECTORIZE;
+    const auto element = db_->createElement(scene->id, spec);
+    ASSERT_TRUE(element);
+    ASSERT_GE(db_->exposeDrawings(element->id, {"1", "2", "3"}), 0);
+    ASSERT_EQ(db_->setUser(QStringLiteral("mia")), 0);
+    ASSERT_NE(start(twoScanners()), nullptr);
+
+    QObject steps;
+    atNextDialog<TUDbSelectDlg>(&steps, [](TUDbSelectDlg *select) {
+        select->jobList()->setCurrentRow(0);
+        select->sceneList()->setCurrentRow(0);
+        select->elementList()->setCurrentRow(0);
+        select->accept();
+    });
+    atNextDialog<TUDrawingSelector>(&steps, [](TUDrawingSelector *selector) {
+        save_screenshot(selector, QStringLiteral("station_drawing_selector"));
+        selector->apply();
+    });
+    window_->openDrawings();
+    ASSERT_EQ(window_->drawingList()->count(), 3);
+    EXPECT_TRUE(database_of_ScanConfig(config_));
+    EXPECT_FALSE(window_->manualListFlag());
+    EXPECT_TRUE(window_->windowTitle().endsWith(QStringLiteral(" -> Sample -> scene sc01 -> element Anim")));
+    TUMenuButton *colour = window_->selectionButton(SelectionButton::Colour);
+    EXPECT_TRUE(colour->entry(2)->isEnabled());
+    EXPECT_FALSE(colour->entry(0)->isEnabled());
+
+    // The element is vectorized: Pencil Test may be chosen, after a question.
+    QCheckBox *pencil = window_->checkBox(SessionCheckBox::PencilTest);
+    ASSERT_TRUE(pencil->isEnabled());
+    {
+        BoxOperator refuses(QStringLiteral("&No"), QStringLiteral("station_pencil_test_question"));
+        pencil->click();
+        EXPECT_EQ(refuses.titles, QStringList{QStringLiteral("Scan: Pencil Test Confirmation")});
+    }
+    EXPECT_FALSE(pencil->isChecked());
+    EXPECT_FALSE(pencil_test_of_ScanConfig(config_));
+
+    BoxOperator operatorAnswers(QStringLiteral("Retry"), QStringLiteral("station_unexpected_question"));
+    QTest::keyClick(window_.get(), Qt::Key_F9);
+    EXPECT_TRUE(operatorAnswers.titles.isEmpty()) << operatorAnswers.titles.join(", ").toStdString();
+    for (int r = 0; r < 3; ++r) EXPECT_TRUE(row(r).contains(QStringLiteral(" (Scanned) Colour, "))) << r;
+    EXPECT_EQ(db_->queueEntries().size(), 3u);
+    save_screenshot(window_.get(), QStringLiteral("station_database_scanned"));
+}
+
+TEST_F(StationSession, KeysStepTheScaleAndLoadFromFileWaitsForTheMenuToClose) {
+    ASSERT_NE(start(twoScanners()), nullptr);
+    QSlider *scale = window_->mainImage()->scaleSlider()->slider();
+    ASSERT_EQ(scale->value(), 16);
+    QTest::keyClick(window_.get(), '1');
+    QTest::keyClick(window_.get(), '1');
+    EXPECT_EQ(scale->value(), 14);
+    QTest::keyClick(window_.get(), '2');
+    EXPECT_EQ(scale->value(), 15);
+    QTest::keyClick(window_.get(), 'm');  // the lower case does nothing
+    EXPECT_EQ(scale->value(), 15);
+    QTest::keyClick(window_.get(), 'M');
+    EXPECT_EQ(scale->value(), 16);
+    EXPECT_EQ(window_->mainImage()->scaleSlider()->label()->text(), QStringLiteral("Scale: 1:1"));
+
+    window_->loadFromFile();
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    QString title;
+    QObject steps;
+    atNextDialog<QFileDialog>(&steps, [&title](QFileDialog *dialog) { title = dialog->windowTitle(); });
+    QTest::qWait(200);
+    EXPECT_EQ(title, QStringLiteral("Load From File"));
+    EXPECT_EQ(drawing_of_ScanConfig(config_), nullptr);
 }

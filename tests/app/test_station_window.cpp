@@ -298,3 +298,22 @@ TEST_F(StationSession, KeysStepTheScaleAndLoadFromFileWaitsForTheMenuToClose) {
     EXPECT_EQ(title, QStringLiteral("Load From File"));
     EXPECT_EQ(drawing_of_ScanConfig(config_), nullptr);
 }
+
+TEST_F(StationSession, AfterAManualListDrawingListReopensTheManualDialog) {
+    ASSERT_NE(start(twoScanners()), nullptr);
+    buildList(QStringLiteral("4 5"));
+    ASSERT_TRUE(window_->manualListFlag());
+    bool manualShown = false;
+    QObject steps;
+    atNextDialog<TUManualListDlg>(&steps, [&manualShown](TUManualListDlg *) { manualShown = true; });
+    window_->showDrawingSelector();
+    EXPECT_TRUE(manualShown);
+    // Cancelled: the list stays as it was.
+    EXPECT_EQ(window_->drawingList()->count(), 2);
+
+    BoxOperator closes(QStringLiteral("Close"), QStringLiteral("station_scanner_info"));
+    window_->action(SessionAction::Info)->trigger();
+    ASSERT_EQ(closes.titles, QStringList{QStringLiteral("Scanner Information")});
+    EXPECT_EQ(closes.texts.first(), scanner_text_of_ScanConfig(config_));
+    EXPECT_TRUE(closes.texts.first().contains(QStringLiteral("Test_Scanner")));
+}

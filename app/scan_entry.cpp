@@ -101,7 +101,7 @@ int ScanMain(int argc, char **argv) {
 
     const std::unique_ptr<StationWindow> window = createStationWindow({database.get(), &options});
     if (!window) {
-        std::fprintf(stderr, "This build of the station has no main window yet.\n");
+        std::fprintf(stderr, "The station window could not be created.\n");
         return 1;
     }
 

@@ -6,6 +6,7 @@
 #include "scan/parameters.h"
 #include "scan/scanner_device.h"
 #include "scan/scanner_list.h"
+#include "scan/twain_device_list.h"
 #include "scan/vector_scaninfo.h"
 #include "suite/base/lmv_trace.h"
 #include "workflow/config.h"
@@ -29,6 +30,22 @@ void copy_parameters(Standard_parameters *p, const LMV_scaninfo &info, int32_t d
 Standard_parameters *parameters_of(ScannerEntry *entry, int32_t depth) {
     ScanDeviceInfo *dev = entry ? device_of_ScannerEntry(entry) : nullptr;
     return dev ? parameters_of_ScanDeviceInfo(dev, depth) : nullptr;
+}
+
+// Selects the scanner of the current kind again, or only refreshes the
+// controls when none is selected.
+void reselect_current_scanner(ScanConfig *config) {
+    int32_t index = -1;
+    if (scanner_kind_of_ScanConfig(config) == SCANNER_SCSI && scanner_of_ScanConfig(config)) {
+        find_by_name_of_ScannerList(scanner_list_of_ScanConfig(config), name_of_ScannerEntry(scanner_of_ScanConfig(config)),
+                                    &index);
+    } else if (scanner_kind_of_ScanConfig(config) == SCANNER_TWAIN && twain_scanner_of_ScanConfig(config)) {
+        index = count_of_ScannerList(scanner_list_of_ScanConfig(config)) + twain_scanner_of_ScanConfig(config)->index;
+    }
+    if (index >= 0)
+        select_scanner_of_ScanConfig(config, index);
+    else
+        refresh_of_ScanConfig(config);
 }
 
 }  // namespace
@@ -57,22 +74,23 @@ bool load_scan_file_of_ScanConfig(ScanConfig *config, const QString &path) {
     if (LMV_scaninfo_from_str(&info, text.toLatin1().constData()) != 0) LMV_trace("LoadFromFile: bad scan information\n");
     const int32_t depth = depth_of_scaninfo(info);
 
-    // The scanner that made the file comes first: choosing a scanner sets its
-    // own defaults, and the file's settings are to win over them.
-    int32_t index = -1;
-    ScannerEntry *entry = find_by_name_of_ScannerList(scanner_list_of_ScanConfig(config),
-                                                      QString::fromStdString(info.scanner_name), &index);
-    if (entry) select_scanner_of_ScanConfig(config, index);
-
     set_depth_of_ScanConfig(config, depth);
     set_optical_of_ScanConfig(config, info.pegged != 1);
     set_peg_side_of_ScanConfig(config, info.peg_side == 0 ? 4 : info.peg_side);
     set_dpi_of_ScanConfig(config, static_cast<uint32_t>(info.dpi));
     set_field_of_ScanConfig(config, info.paper_size);
+
+    // The file's values go to the scanner that made it, which becomes the
+    // selected one. Selecting a scanner that is already selected keeps the
+    // settings above; another scanner brings its own defaults for them.
+    int32_t index = -1;
+    ScannerEntry *entry = find_by_name_of_ScannerList(scanner_list_of_ScanConfig(config),
+                                                      QString::fromStdString(info.scanner_name), &index);
     copy_parameters(parameters_of(entry ? entry : scanner_of_ScanConfig(config), depth), info, depth);
+    if (entry) select_scanner_of_ScanConfig(config, index);
 
     // Selecting the current scanner again shows its values for the new depth
     // and marks every setting on the controls.
-    set_database_of_ScanConfig(config, false);
+    reselect_current_scanner(config);
     return true;
 }

@@ -6,6 +6,8 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLineEdit>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -13,12 +15,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
 
 #include "app/tudb_selector.h"
 #include "app/tukqscan.h"
+#include "app/tumanual_list_dlg.h"
 #include "app/tumenu_button.h"
 #include "scan/scanner_device.h"
 #include "suite/base/message_fixture.h"
@@ -29,30 +33,35 @@
 #include "workflow/config.h"
 #include "workflow/connect_database.h"
 
-// Answers every message box that opens with the button of `answer`, after
-// saving a screenshot of the first one as `shot`.
+// Answers the message boxes that open: the n-th with the n-th answer, those
+// after the last answer with the last one; saves a screenshot of the first box
+// as `shot`. `beforeAnswer` runs just before each answer is given.
 class BoxOperator : public QObject {
 public:
-    BoxOperator(QString answer, QString shot) : answer_(std::move(answer)), shot_(std::move(shot)) {
+    BoxOperator(QStringList answers, QString shot) : answers_(std::move(answers)), shot_(std::move(shot)) {
         connect(&timer_, &QTimer::timeout, this, &BoxOperator::look);
         timer_.start(5);
     }
+    BoxOperator(const QString &answer, QString shot) : BoxOperator(QStringList{answer}, std::move(shot)) {}
     QStringList titles;
     QStringList texts;
+    std::function<void()> beforeAnswer;
 
 private:
     void look() {
         auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
         if (!box || !box->isVisible()) return;
+        const QString answer = answers_.at(std::min<qsizetype>(titles.size(), answers_.size() - 1));
         titles << box->windowTitle();
         texts << box->text();
         if (!shot_.isEmpty()) save_screenshot(box, shot_);
         shot_.clear();
+        if (beforeAnswer) beforeAnswer();
         for (QAbstractButton *b : box->buttons())
-            if (b->text() == answer_) return b->click();
+            if (b->text() == answer) return b->click();
         box->reject();
     }
-    QString answer_;
+    QStringList answers_;
     QString shot_;
     QTimer timer_;
 };
@@ -119,6 +128,22 @@ protected:
         window_->show(false);
         return config_;
     }
+
+    // Builds a manual list in the dialog, as the operator types it.
+    void buildList(const QString &numbers) {
+        QTimer::singleShot(0, window_.get(), [this, numbers] {
+            TUManualListDlg *dlg = window_->manualListDlg();
+            ASSERT_NE(dlg, nullptr);
+            dlg->pathEdit()->setText(dir_.path());
+            dlg->prefixEdit()->setText(QStringLiteral("T"));
+            dlg->numbersEdit()->setText(numbers);
+            dlg->addDrawing();
+            save_screenshot(dlg, QStringLiteral("station_manual_list"));
+            dlg->apply();
+        });
+        window_->buildManualList();
+    }
+    QString row(int r) const { return window_->drawingList()->item(r)->text(); }
 
     // What the operator does with a selection button's menu.
     void choose(SelectionButton button, int id) {

@@ -19,6 +19,8 @@
 #include "app/tudrawing_selector.h"
 #include "app/tumanual_list_dlg.h"
 #include "scan/drawing.h"
+#include "scan/parameters.h"
+#include "scan/scanner_list.h"
 #include "station_window_fixture.h"
 #include "workflow/drawing_list.h"
 
@@ -30,21 +32,8 @@ bool hasPicture(TUScanImage *view) { return !view->scrollImage()->image().isNull
 
 class StationSession : public StationWindowTest {
 protected:
-    // Builds a manual list in the dialog, as the operator types it.
-    void buildList(const QString &numbers) {
-        QTimer::singleShot(0, window_.get(), [this, numbers] {
-            TUManualListDlg *dlg = window_->manualListDlg();
-            ASSERT_NE(dlg, nullptr);
-            dlg->pathEdit()->setText(dir_.path());
-            dlg->prefixEdit()->setText(QStringLiteral("T"));
-            dlg->numbersEdit()->setText(numbers);
-            dlg->addDrawing();
-            save_screenshot(dlg, QStringLiteral("station_manual_list"));
-            dlg->apply();
-        });
-        window_->buildManualList();
-    }
-    QString row(int r) const { return window_->drawingList()->item(r)->text(); }
+    // Scans a file in settings that differ from the scanner's defaults.
+    QString scanFileToLoad();
     // Presses Stop whenever the scan loop lets it be pressed.
     void pressStopDuringScan() {
         auto *timer = new QTimer(window_.get());
@@ -162,27 +151,42 @@ TEST_F(StationSession, StopImmediatelyLeavesTheRowUnscanned) {
     save_screenshot(window_.get(), QStringLiteral("station_stopped"));
 }
 
-TEST_F(StationSession, LoadFromFileRestoresTheSettingsTheFileWasScannedWith) {
-    ASSERT_NE(start(twoScanners()), nullptr);
-    choose(SelectionButton::Scanner, 1);
+// The colour scanner's values for black and white.
+Standard_parameters *bwParameters(ScanConfig *config, int scanner) {
+    return parameters_of_ScanDeviceInfo(
+        device_of_ScannerEntry(entry_of_ScannerList(scanner_list_of_ScanConfig(config), scanner)), 0);
+}
+
+// Scans drawing 7 in black and white at 150 dpi, 16 field, left peg, with a
+// threshold of 77 on the colour test scanner; returns the file it made.
+QString StationSession::scanFileToLoad() {
+    choose(SelectionButton::Colour, 0);
     choose(SelectionButton::Dpi, 2);    // 150 dpi
     choose(SelectionButton::Field, 1);  // 16 field
     choose(SelectionButton::Peg, 1);    // left
+    bwParameters(config_, 0)->threshold_current = 77;
     buildList(QStringLiteral("7"));
     BoxOperator operatorAnswers(QStringLiteral("Retry"), QString());
     QTest::keyClick(window_.get(), Qt::Key_F5);
-    ASSERT_NE(drawing_of_ScanConfig(config_), nullptr);
-    ASSERT_TRUE(row(0).startsWith(QStringLiteral("7 (Scanned)")));
     const Drawing *scanned = drawing_of_ScanConfig(config_);
+    if (!scanned || !row(0).startsWith(QStringLiteral("7 (Scanned)"))) return {};
     const QDir folder(path_of_Drawing(scanned));
     const QStringList files = folder.entryList({file_base_name_of_Drawing(scanned) + QStringLiteral(".*")}, QDir::Files);
-    ASSERT_EQ(files.size(), 1) << files.join(' ').toStdString();
-    const QString file = folder.filePath(files.first());
+    return files.size() == 1 ? folder.filePath(files.first()) : QString();
+}
 
-    // Another scanner brings its own defaults.
-    choose(SelectionButton::Scanner, 0);
-    ASSERT_EQ(depth_of_ScanConfig(config_), 2);
-    ASSERT_EQ(dpi_of_ScanConfig(config_), 200u);
+TEST_F(StationSession, LoadFromFileRestoresTheSettingsTheFileWasScannedWith) {
+    ASSERT_NE(start(twoScanners()), nullptr);
+    const QString file = scanFileToLoad();
+    ASSERT_FALSE(file.isEmpty());
+
+    // The operator changes every setting before loading the file again.
+    choose(SelectionButton::Colour, 2);
+    choose(SelectionButton::Dpi, 5);    // 300 dpi
+    choose(SelectionButton::Field, 0);  // 12 field
+    choose(SelectionButton::Peg, 4);    // bottom
+    bwParameters(config_, 0)->threshold_current = 140;
+    ASSERT_EQ(dpi_of_ScanConfig(config_), 300u);
 
     window_->loadFile(file);
     EXPECT_EQ(window_->drawingList()->count(), 0);
@@ -191,14 +195,34 @@ TEST_F(StationSession, LoadFromFileRestoresTheSettingsTheFileWasScannedWith) {
     EXPECT_EQ(dpi_of_ScanConfig(config_), 150u);
     EXPECT_DOUBLE_EQ(field_of_ScanConfig(config_), 16.0);
     EXPECT_EQ(peg_side_of_ScanConfig(config_), 1);
-    EXPECT_EQ(window_->selectionButton(SelectionButton::Scanner)->text(), QStringLiteral("Line_Art"));
+    EXPECT_EQ(bwParameters(config_, 0)->threshold_current, 77);
+    EXPECT_EQ(window_->selectionButton(SelectionButton::Scanner)->text(), QStringLiteral("Test_Scanner"));
     EXPECT_EQ(window_->selectionButton(SelectionButton::Colour)->text(), QStringLiteral("Black && White"));
     EXPECT_EQ(window_->selectionButton(SelectionButton::Dpi)->text(), QStringLiteral("150 dpi"));
     EXPECT_EQ(window_->selectionButton(SelectionButton::Field)->text(), QStringLiteral("16 Field"));
     EXPECT_EQ(window_->selectionButton(SelectionButton::Peg)->text(), QStringLiteral("Left Peg"));
+    EXPECT_FALSE(window_->paramDlg()->thresholdWidget()->isHidden());
     EXPECT_FALSE(window_->button(SessionButton::Save)->isEnabled());
     EXPECT_TRUE(hasPicture(window_->mainImage()));
     save_screenshot(window_.get(), QStringLiteral("station_loaded_file"));
+}
+
+TEST_F(StationSession, LoadFromFileOfAnotherScannerSelectsItWithTheFilesValues) {
+    ASSERT_NE(start(twoScanners()), nullptr);
+    const QString file = scanFileToLoad();
+    ASSERT_FALSE(file.isEmpty());
+    bwParameters(config_, 0)->threshold_current = 140;
+    choose(SelectionButton::Scanner, 1);
+
+    // The file's values reach the scanner that made it, not the one that was
+    // selected; that scanner comes back with the settings it brings along.
+    window_->loadFile(file);
+    EXPECT_EQ(window_->selectionButton(SelectionButton::Scanner)->text(), QStringLiteral("Test_Scanner"));
+    EXPECT_EQ(scanner_of_ScanConfig(config_), entry_of_ScannerList(scanner_list_of_ScanConfig(config_), 0));
+    EXPECT_EQ(bwParameters(config_, 0)->threshold_current, 77);
+    EXPECT_DOUBLE_EQ(field_of_ScanConfig(config_), 16.0);
+    EXPECT_EQ(dpi_of_ScanConfig(config_), 200u);
+    EXPECT_EQ(peg_side_of_ScanConfig(config_), 4);
 }
 
 TEST_F(StationWindowTest, WithoutScannersTheOperatorIsAskedWhetherToGoOn) {

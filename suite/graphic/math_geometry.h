@@ -44,6 +44,13 @@ struct Box2d {
         x0 = std::min(x0, p.x), x1 = std::max(x1, p.x);
         y0 = std::min(y0, p.y), y1 = std::max(y1, p.y);
     }
+    // Grows the box by `margin` on every side; an empty box stays empty.
+    void enlarge(double margin) {
+        if (isEmpty()) return;
+        x0 -= margin, y0 -= margin;
+        x1 += margin, y1 += margin;
+    }
+    void clear() { *this = Box2d{}; }
     double width() const { return isEmpty() ? 0.0 : x1 - x0; }
     double height() const { return isEmpty() ? 0.0 : y1 - y0; }
 };

@@ -158,6 +158,8 @@ QWidget *TUKqScan::buildSettings() {
 QWidget *TUKqScan::buildLowerPane() {
     m_lowerFrame = new QFrame(this);
     auto *box = new QVBoxLayout(m_lowerFrame);
+    // The frame preview is as wide as the column: no room for side margins.
+    box->setContentsMargins(0, kMargin, 0, 0);
 
     auto *feedRow = new QHBoxLayout;
     m_buttons[SessionButton::Preview] = new QPushButton(tr("Preview"), m_lowerFrame);

@@ -67,6 +67,10 @@ TEST_F(StationSession, StartsOnTheFirstScannerWithMenusFollowingItsCapabilities)
     EXPECT_FALSE(window_->button(SessionButton::Scan)->isEnabled());
     QTest::keyClick(window_.get(), Qt::Key_F5);
     EXPECT_EQ(drawing_of_ScanConfig(config_), nullptr);
+    // The left column keeps its width, the frame preview filling it whole.
+    QWidget *lowerPane = window_->framePreview()->parentWidget();
+    EXPECT_EQ(lowerPane->width(), 300);
+    EXPECT_TRUE(lowerPane->rect().contains(window_->framePreview()->geometry()));
     save_screenshot(window_.get(), QStringLiteral("station_start"));
 
     // The black and white scanner: its depth shows with one ampersand (a

@@ -21,6 +21,7 @@
 #include "app/tudrawing_selector.h"
 #include "app/tumanual_list_dlg.h"
 #include "app/tumenu_button.h"
+#include "app/who_app_info.h"
 #include "scan/transport/scsi_transport.h"
 #include "suite/base/tumessage.h"
 #include "workflow/selection_menus.h"
@@ -39,7 +40,7 @@ QLabel *centredLabel(const QString &text, QWidget *parent) {
 TUKqScan::TUKqScan(TUDbAccess *databaseAccess, TUDbSelector *databaseSelector, bool debug, bool scsiDebug,
                    QWidget *parent)
     : QMainWindow(parent), m_database(databaseAccess), m_dbSelector(databaseSelector), m_debug(debug),
-      m_scsiDebug(scsiDebug) {
+      m_scsiDebug(scsiDebug), m_appInfo(std::make_unique<WHO_AppInfo>(app_info_of(QStringLiteral("Scan")))) {
     setMinimumSize(1000, 850);
     buildMenus();
 

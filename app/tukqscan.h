@@ -21,6 +21,7 @@ class QMenu;
 class QPushButton;
 class QScrollArea;
 class QSplitter;
+struct WHO_AppInfo;
 class TUDbAccess;
 class TUDbSelector;
 class TUDrawingSelector;
@@ -176,4 +177,5 @@ private:
     std::unique_ptr<StationListView> m_listView;
     std::unique_ptr<TUDrawingSelector> m_drawingSelector;
     std::unique_ptr<TUManualListDlg> m_manualDlg;
+    std::unique_ptr<WHO_AppInfo> m_appInfo;
 };

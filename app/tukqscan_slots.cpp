@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 #include "app/load_from_file.h"
+#include "app/tuabout_dialog.h"
 #include "app/scale_slider.h"
 #include "app/scan_application.h"
 #include "app/scan_image.h"
@@ -25,6 +26,7 @@
 #include "app/tukqscan.h"
 #include "app/tumanual_list_dlg.h"
 #include "app/tumenu_button.h"
+#include "app/who_app_info.h"
 #include "scan/scanner_device.h"
 #include "scan/scanner_list.h"
 #include "suite/base/lmv_trace.h"
@@ -146,8 +148,8 @@ void TUKqScan::help() {
 }
 
 void TUKqScan::about() {
-    QMessageBox::about(this, tr("About %1").arg(whoami::progName()),
-                       tr("%1 version %2").arg(whoami::progName(), whoami::version()));
+    TUAboutDialog dialog(*m_appInfo, this);
+    dialog.exec();
 }
 
 void TUKqScan::scannerListSlot(int id) {

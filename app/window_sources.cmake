@@ -7,4 +7,5 @@ target_sources(app PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/tukqscan.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tukqscan_seam.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tukqscan_slots.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/tuabout_dialog.cpp
 )

@@ -15,12 +15,14 @@
 #include "app/scale_slider.h"
 #include "app/scan_image.h"
 #include "app/scroll_image.h"
+#include "app/tuabout_dialog.h"
 #include "app/tudb_select_dlg.h"
 #include "app/tudrawing_selector.h"
 #include "app/tumanual_list_dlg.h"
 #include "scan/drawing.h"
 #include "scan/parameters.h"
 #include "scan/scanner_list.h"
+#include "suite/base/whoami.h"
 #include "station_window_fixture.h"
 #include "workflow/drawing_list.h"
 
@@ -344,4 +346,20 @@ TEST_F(StationSession, AfterAManualListDrawingListReopensTheManualDialog) {
     ASSERT_EQ(closes.titles, QStringList{QStringLiteral("Scanner Information")});
     EXPECT_EQ(closes.texts.first(), scanner_text_of_ScanConfig(config_));
     EXPECT_TRUE(closes.texts.first().contains(QStringLiteral("Test_Scanner")));
+}
+
+TEST_F(StationSession, TheAboutBoxNamesTheProgramAndItsVersion) {
+    ASSERT_NE(start(twoScanners()), nullptr);
+    QString title, name, version;
+    QObject steps;
+    atNextDialog<TUAboutDialog>(&steps, [&](TUAboutDialog *about) {
+        title = about->windowTitle();
+        name = about->nameLabel()->text();
+        version = about->versionLabel()->text();
+        save_screenshot(about, QStringLiteral("station_about"));
+    });
+    window_->about();
+    EXPECT_EQ(title, QStringLiteral("About Scan"));
+    EXPECT_EQ(name, QStringLiteral("Scan"));
+    EXPECT_EQ(version, QStringLiteral("Version ") + whoami::version());
 }

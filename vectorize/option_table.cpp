@@ -6,9 +6,9 @@
 
 #include <QtGlobal>
 
-#include "vectorize/option_specials.h"
+#include "vectorize/option_handlers.h"
 
-using namespace pix2vec_specials;
+using namespace pix2vec_handlers;
 using K = OptionKind;
 
 namespace {

@@ -3,7 +3,7 @@
 // map to numbers, options that load files or end the parse.
 #include "vectorize/option_table.h"
 
-namespace pix2vec_specials {
+namespace pix2vec_handlers {
 OptionOutcome parseVersion(OptionCursor &c, const OptionSpec &spec);
 OptionOutcome parseHelp(OptionCursor &c, const OptionSpec &spec);
 OptionOutcome parseOutputVersion(OptionCursor &c, const OptionSpec &spec);
@@ -31,7 +31,7 @@ OptionOutcome parseThreshSV(OptionCursor &c, const OptionSpec &spec);
 void resetThreshSV(TUOpts &o, const OptionSpec &spec);
 OptionOutcome parseRemoveHairs(OptionCursor &c, const OptionSpec &spec);
 void resetRemoveHairs(TUOpts &o, const OptionSpec &spec);
-}  // namespace pix2vec_specials
+}  // namespace pix2vec_handlers
 
 // Loads the penstyle's noise bitmap; a relative name is taken from the working
 // directory. An empty pointer when it does not load.

@@ -1,4 +1,4 @@
-#include "vectorize/option_specials.h"
+#include "vectorize/option_handlers.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -32,7 +32,7 @@ int sideOfWord(const QString &word, int other) {
 
 }  // namespace
 
-namespace pix2vec_specials {
+namespace pix2vec_handlers {
 
 OptionOutcome parseVersion(OptionCursor &c, const OptionSpec &) {
     whoami::printVersionInfo();
@@ -297,7 +297,7 @@ void resetRemoveHairs(TUOpts &o, const OptionSpec &spec) {
     o.rmv_hairs_passes = int(spec.defaults[1]);
 }
 
-}  // namespace pix2vec_specials
+}  // namespace pix2vec_handlers
 
 CEL_RepresentationPtr loadPenstyleNoise(const QString &name) {
     QString path = name;

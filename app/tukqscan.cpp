@@ -25,6 +25,8 @@
 #include "scan/transport/scsi_transport.h"
 #include "suite/base/tumessage.h"
 #include "workflow/selection_menus.h"
+#include "workflow/config.h"
+#include "vectorize/ui/tuvect_options_dlg.h"
 
 namespace {
 constexpr int kSettingsWidth = 300;
@@ -78,7 +80,12 @@ TUKqScan::TUKqScan(TUDbAccess *databaseAccess, TUDbSelector *databaseSelector, b
     LMV_scsi_set_debug(scsiDebug);
 }
 
-TUKqScan::~TUKqScan() = default;
+TUKqScan::~TUKqScan() {
+    // A style list still alive belongs to a session that is still alive: it
+    // goes now, before this window takes its children along.
+    if (m_styleDialog && m_config && vect_options_of_ScanConfig(m_config) == m_styleDialog.data())
+        set_vect_options_of_ScanConfig(m_config, nullptr);
+}
 
 void TUKqScan::buildMenus() {
     QMenu *file = menuBar()->addMenu(tr("&File"));
@@ -94,9 +101,7 @@ void TUKqScan::buildMenus() {
     m_actions[SessionAction::EditMenu] = m_editMenu->menuAction();
     m_editMenu->addAction(tr("Drawing &List..."), this, &TUKqScan::showDrawingSelector);
     m_editMenu->addAction(tr("&Reverse Drawing List"), this, &TUKqScan::reverseDrawingList);
-    QAction *style = m_editMenu->addAction(tr("&Vectorize Style..."), this, &TUKqScan::vectorizeStyle);
-    // The vectorization styles are not part of this station yet.
-    style->setEnabled(false);
+    m_editMenu->addAction(tr("&Vectorize Style..."), this, &TUKqScan::vectorizeStyle);
     QAction *scanInfo = m_editMenu->addAction(tr("Create ScanInfo File"));
     connect(scanInfo, &QAction::toggled, this, &TUKqScan::createScanInfoFile);
     m_actions[SessionAction::CreateScanInfo] = scanInfo;

@@ -5,6 +5,7 @@
 // through the window seam that this class implements with real controls and
 // the operator's dialogs.
 #include <QMainWindow>
+#include <QPointer>
 
 #include <map>
 #include <memory>
@@ -29,6 +30,7 @@ class TUManualListDlg;
 class TUMenuButton;
 class TUParamDlg;
 class TUScanImage;
+class TUVectOptionsDlg;
 class StationListView;
 struct ScanConfig;
 
@@ -58,6 +60,8 @@ public:
     TUScanImage *overview() const { return m_overview; }
     QLabel *lastScannedLabel() const { return m_lastScanned; }
     QLabel *vectorizationStyleLabel() const { return m_styleLabel; }
+    // The session's style list, made on first use; null without a session.
+    TUVectOptionsDlg *styleDialog();
     TUParamDlg *paramDlg() const { return m_paramDlg; }
     TUManualListDlg *manualListDlg() const { return m_manualDlg.get(); }
     bool manualListFlag() const { return m_manualList; }
@@ -84,6 +88,7 @@ public:
     QString manualListPrefix() const override;
     bool isManualList() const override { return m_manualList; }
     DrawingListView *drawingListView() override;
+    QString vectorizationStyleLine() override;
     // The strip of pan cel passes is not part of this window yet: a pan cel
     // scan is one pass, which fits and stitches to itself.
     void rebuildPancel() override;
@@ -173,6 +178,8 @@ private:
     QAction *m_debugModeAction = nullptr;
     QLabel *m_lastScanned = nullptr;
     QLabel *m_styleLabel = nullptr;
+    // The session owns the style list; this notes whether it is still there.
+    QPointer<TUVectOptionsDlg> m_styleDialog;
     QListWidget *m_list = nullptr;
     std::unique_ptr<StationListView> m_listView;
     std::unique_ptr<TUDrawingSelector> m_drawingSelector;

@@ -28,6 +28,7 @@
 #include "app/tumenu_button.h"
 #include "app/who_app_info.h"
 #include "scan/scanner_device.h"
+#include "vectorize/ui/tuvect_options_dlg.h"
 #include "scan/scanner_list.h"
 #include "suite/base/lmv_trace.h"
 #include "suite/base/msg_scope.h"
@@ -50,8 +51,26 @@ bool runsAsAdministrator() { return geteuid() == 0; }
 }  // namespace
 
 void TUKqScan::updateVectorizationStyleLabel() {
-    // Styles are not part of this station yet: the label names none.
-    m_styleLabel->setText(tr("Vectorization Style: "));
+    const QString name = m_styleDialog ? m_styleDialog->currentName() : QString();
+    m_styleLabel->setText(tr("Vectorization Style: ") + name);
+}
+
+TUVectOptionsDlg *TUKqScan::styleDialog() {
+    if (!m_config) return nullptr;
+    auto *dialog = qobject_cast<TUVectOptionsDlg *>(vect_options_of_ScanConfig(m_config));
+    if (!dialog) {
+        dialog = new TUVectOptionsDlg(this);
+        dialog->setModal(true);
+        connect(dialog, &QDialog::finished, this, &TUKqScan::updateVectorizationStyleLabel);
+        set_vect_options_of_ScanConfig(m_config, dialog);
+    }
+    m_styleDialog = dialog;
+    return dialog;
+}
+
+QString TUKqScan::vectorizationStyleLine() {
+    TUVectOptionsDlg *dialog = styleDialog();
+    return dialog ? dialog->currentOptions() : QString();
 }
 
 void TUKqScan::show(bool isLoginAtStart) {
@@ -125,7 +144,10 @@ void TUKqScan::reverseDrawingList() {
     if (m_config) reverse_list(m_config);
 }
 
-void TUKqScan::vectorizeStyle() { updateVectorizationStyleLabel(); }
+void TUKqScan::vectorizeStyle() {
+    if (TUVectOptionsDlg *dialog = styleDialog()) dialog->show();
+    updateVectorizationStyleLabel();
+}
 
 void TUKqScan::createScanInfoFile(bool on) {
     if (m_config) set_create_scaninfo_of_ScanConfig(m_config, on);

@@ -77,6 +77,10 @@ public:
     virtual bool isManualList() const = 0;
     virtual DrawingListView *drawingListView() = 0;
 
+    // The option line of the chosen vectorization style, empty for none; the
+    // window makes its style list on first use.
+    virtual QString vectorizationStyleLine() = 0;
+
     // The pan cel strip.
     virtual void rebuildPancel() = 0;
     virtual void clearPancel() = 0;

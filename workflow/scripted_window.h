@@ -66,6 +66,8 @@ public:
     QString manualPath;
     QString manualPrefix;
     bool manualList = true;
+    // The option line of the chosen vectorization style.
+    QString styleLine;
     TUDbAccess *databaseAccess = nullptr;
 
     // How often each question was asked.
@@ -120,6 +122,7 @@ public:
     QString manualListPrefix() const override;
     bool isManualList() const override;
     DrawingListView *drawingListView() override;
+    QString vectorizationStyleLine() override { return styleLine; }
     // One pass only: no strip to keep several, so every scan fits and the
     // stitch of a single pass leaves the drawing as scanned.
     void rebuildPancel() override;

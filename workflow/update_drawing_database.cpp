@@ -12,15 +12,18 @@
 #include "workflow/dbinfo.h"
 #include "workflow/drawing_list.h"
 #include "workflow/scan_procs.h"
+#include "workflow/scan_window.h"
 #include "workflow/vectorize_queue_state.h"
 
 namespace {
 
 QString tr(const char *text) { return QCoreApplication::translate("kqScan", text); }
 
-// The option line of the session's vectorization style. Styles arrive later;
-// until then there is none, and the queue gets the station's options only.
-QString style_option_line(const ScanConfig *) { return QString(); }
+// The option line of the style the operator chose in the window; none without a window.
+QString style_option_line(const ScanConfig *config) {
+    ScanWindow *window = main_interface_of_ScanConfig(config);
+    return window ? window->vectorizationStyleLine() : QString();
+}
 
 // Calibration factors this close to one are no calibration at all.
 bool calibrated(double factor) { return std::fabs(factor - 1.0) > 1e-5; }

@@ -162,6 +162,15 @@ TEST_F(BindingTest, TheOptionLineNamesPencilTestAndARealCalibrationOnly) {
     EXPECT_EQ(optionsWith("xScaleAdjustment: 1.0123456789\n", true), "-no_color_art -scanner_calibrate 1.01235 1 ");
 }
 
+TEST_F(BindingTest, TheChosenStylesLineFollowsTheStationsOptions) {
+    window_.styleLine = QStringLiteral("-smooth 3 -gap 2");
+    ScanConfig *c = bound({"1"}, "xScaleAdjustment: 1.5\n");
+    c->pencil_test = true;
+    EXPECT_EQ(update(), SCAN_DONE);
+    ASSERT_EQ(db_.added.size(), 1u);
+    EXPECT_EQ(db_.added[0].options, "-no_color_art -scanner_calibrate 1.5 1 -smooth 3 -gap 2");
+}
+
 TEST_F(BindingTest, TheQueueStaysOpenUntilTheEnvironmentChanges) {
     bound({"1", "2", "3"});
     EXPECT_EQ(update(), SCAN_DONE);

@@ -1,0 +1,92 @@
+// The style list as the operator uses it: choosing, cancelling back to the
+// former choice, and the window's label and queue line following the choice.
+#include <QAction>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+
+#include "station_window_fixture.h"
+#include "vectorize/ui/tuvect_options_dlg.h"
+
+namespace {
+
+const char *const kStyles =
+    "# the studio's styles\n"
+    "style_name: Clean Line\n"
+    "options: -smooth 4\n"
+    "style_name: Ink\n"
+    "options: -gap 2 -no_color_art\n";
+
+class VectorizationStyleTest : public StationWindowTest {
+protected:
+    void SetUp() override {
+        StationWindowTest::SetUp();
+        oldEtc_ = qgetenv("SCAN_ETC");
+        qputenv("SCAN_ETC", dir_.path().toUtf8());
+        QFile file(dir_.filePath(QStringLiteral("VectOptions.conf")));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(kStyles);
+    }
+    void TearDown() override {
+        qputenv("SCAN_ETC", oldEtc_);
+        StationWindowTest::TearDown();
+    }
+    QAction *styleAction() const {
+        for (QAction *action : window_->findChildren<QAction *>())
+            if (action->text() == QStringLiteral("&Vectorize Style...")) return action;
+        return nullptr;
+    }
+    QByteArray oldEtc_;
+};
+
+}  // namespace
+
+TEST_F(VectorizationStyleTest, CancelGoesBackToTheRowChosenBeforeShowing) {
+    TUVectOptionsDlg dialog(nullptr);
+    EXPECT_EQ(dialog.objectName(), "vectoptionsdlg");
+    EXPECT_EQ(dialog.list()->count(), 3);
+    EXPECT_EQ(dialog.currentName(), "Default Style");
+    EXPECT_EQ(dialog.currentOptions(), " ");
+
+    dialog.list()->setCurrentRow(2);
+    EXPECT_EQ(dialog.currentOptions(), "-gap 2 -no_color_art");
+    dialog.show();
+    save_screenshot(&dialog, QStringLiteral("vectorization_styles"));
+    dialog.list()->setCurrentRow(1);
+    EXPECT_EQ(dialog.currentName(), "Clean Line");
+    QPushButton *ok = nullptr;
+    for (QPushButton *button : dialog.findChildren<QPushButton *>())
+        if (button->text() == QStringLiteral("&OK")) ok = button;
+    ASSERT_NE(ok, nullptr);
+    QTest::mouseClick(ok, Qt::LeftButton);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+
+    dialog.show();
+    dialog.list()->setCurrentRow(0);
+    dialog.reject();
+    EXPECT_EQ(dialog.currentName(), "Clean Line") << "Cancel restores the row noted at show";
+    EXPECT_EQ(dialog.list()->currentRow(), 1);
+}
+
+TEST_F(VectorizationStyleTest, TheWindowNamesTheChosenStyleAndQueuesItsLine) {
+    start(twoScanners());
+    QAction *action = styleAction();
+    ASSERT_NE(action, nullptr);
+    ASSERT_TRUE(action->isEnabled());
+    EXPECT_EQ(window_->vectorizationStyleLabel()->text(), "Vectorization Style: ");
+
+    action->trigger();
+    TUVectOptionsDlg *dialog = window_->styleDialog();
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(dialog->parentWidget(), window_.get());
+    EXPECT_EQ(window_->vectorizationStyleLabel()->text(), "Vectorization Style: Default Style");
+    dialog->list()->setCurrentRow(2);
+    dialog->accept();
+
+    EXPECT_EQ(window_->vectorizationStyleLabel()->text(), "Vectorization Style: Ink");
+    EXPECT_EQ(window_->vectorizationStyleLine(), "-gap 2 -no_color_art");
+    EXPECT_EQ(window_->styleDialog(), dialog) << "one list per session";
+    save_screenshot(window_.get(), QStringLiteral("station_vectorization_style"));
+}

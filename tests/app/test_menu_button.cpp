@@ -6,22 +6,20 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "app/tumenu_button.h"
 #include "qstring_print.h"
 
-// A button shows "&&" as one ampersand and no accelerator mark.
-TEST(MenuButtonText, DropsAcceleratorsButKeepsALiteralAmpersand) {
-    EXPECT_EQ(TUMenuButton::buttonText(QStringLiteral("&Black && White"), 0), QStringLiteral("Black && White"));
-    EXPECT_EQ(TUMenuButton::buttonText(QStringLiteral("24&0 dpi"), 0), QStringLiteral("240 dpi"));
-    EXPECT_EQ(TUMenuButton::buttonText(QStringLiteral("&Ink && &Paint"), 0), QStringLiteral("Ink && Paint"));
-}
-
-TEST(MenuButtonText, CutsAtTheLimitBeforeDroppingMarks) {
+// A button shows "&&" as one ampersand and no accelerator mark, cut at the
+// limit (which counts the marks) before the marks are dropped.
+TEST(MenuButtonText, DropsAcceleratorsAndCutsAtTheLimit) {
     const QString name = QStringLiteral("A Scanner With A Very Long Name");
-    EXPECT_EQ(TUMenuButton::buttonText(name, 20), name.left(20));
-    EXPECT_EQ(TUMenuButton::buttonText(name, 0), name);
-    // The cut counts the marks: 20 characters of the entry, then one "&" goes.
-    EXPECT_EQ(TUMenuButton::buttonText(QStringLiteral("&ABCDEFGHIJKLMNOPQRSTUVWXYZ"), 20), QStringLiteral("ABCDEFGHIJKLMNOPQRS"));
+    const std::tuple<QString, int, QString> cases[] = {
+        {"&Black && White", 0, "Black && White"}, {"24&0 dpi", 0, "240 dpi"}, {"&Ink && &Paint", 0, "Ink && Paint"},
+        {name, 20, name.left(20)}, {name, 0, name}, {"&ABCDEFGHIJKLMNOPQRSTUVWXYZ", 20, "ABCDEFGHIJKLMNOPQRS"},
+    };
+    for (const auto &[entry, limit, shown] : cases) EXPECT_EQ(TUMenuButton::buttonText(entry, limit), shown) << entry.toStdString();
 }
 
 TEST(MenuButton, FirstEntryIsCurrentUntilAnotherIsMarked) {

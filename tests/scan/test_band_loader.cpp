@@ -5,7 +5,6 @@
 #include <QImage>
 
 #include <random>
-#include <tuple>
 #include <vector>
 
 #include "pixmap_test_support.h"
@@ -91,102 +90,70 @@ std::vector<size_t> random_bands(Form form, int W, size_t total, std::mt19937 &r
     return bands;
 }
 
-using Case = std::tuple<Form, int, int, int, bool>; // form, W, H, side, invert
-
-class BandLoader : public ::testing::TestWithParam<Case> {};
-
-TEST_P(BandLoader, MatchesTheTableOfTurnsForAnyBandSplit)
-{
-    const auto [form, W, H, side, invert] = GetParam();
-    std::mt19937 rng(uint32_t(W * 7919 + H * 31 + side * 3 + invert));
-    const auto raster = make_raster(form, W, H, rng);
-    const Expected want = model(form, raster, W, H, side, invert);
-
-    for (int round = 0; round < 3; ++round) {
-        MessageCapture capture;
-        PixmapHolder pm(create_pixmap(form == Form::Rgb ? PIXMAP_RGBA8 : PIXMAP_MATTE8, W, H));
-        const auto bands = random_bands(form, W, raster.size(), rng);
-        int32_t x = -7, y = -7;
-        size_t offset = 0;
-        for (size_t b = 0; b < bands.size(); ++b) {
-            load_band_of_pixmap(pm.get(), &x, &y, raster.data() + offset, int32_t(bands[b]), invert,
-                                form == Form::Bits, side, b == 0, b + 1 == bands.size());
-            offset += bands[b];
-        }
-        ASSERT_EQ(assertion_count(capture), 0);
-        // After the last band the record agrees with the leaf.
-        EXPECT_EQ(width_of_pixmap(pm.get()), want.width);
-        EXPECT_EQ(height_of_pixmap(pm.get()), want.height);
-        const CEL_PixmapPtr leaf = best_of_pixmap(pm.get());
-        ASSERT_TRUE(leaf);
-        ASSERT_EQ(leaf->width(), want.width);
-        ASSERT_EQ(leaf->height(), want.height);
-        if (form == Form::Rgb) {
-            const CEL_RGBA8Pixel *got = rgba8_data_of_pixmap(pm.get());
-            ASSERT_EQ(std::vector<CEL_RGBA8Pixel>(got, got + want.rgba.size()), want.rgba);
-        } else {
-            const uint8_t *got = matte8_data_of_pixmap(pm.get());
-            ASSERT_EQ(std::vector<uint8_t>(got, got + want.grey.size()), want.grey);
-        }
-    }
-}
-
-std::string case_name(const ::testing::TestParamInfo<Case> &info)
-{
-    const auto [form, W, H, side, invert] = info.param;
-    const char *forms[] = {"rgb", "grey", "bits"};
-    return std::string(forms[int(form)]) + "_" + std::to_string(W) + "x" + std::to_string(H) + "_side" +
-           std::to_string(side) + (invert ? "_inv" : "");
-}
-
+// Every form, size, peg side and inversion, three random band splits each.
 // Sizes: a 13-pixel one-bit line (two bytes, three bits dropped), single
 // columns and rows, and sizes that exercise whole 16-line groups and
 // 16-pixel blocks with remainders.
-INSTANTIATE_TEST_SUITE_P(Sizes, BandLoader,
-                         ::testing::Combine(::testing::Values(Form::Rgb, Form::Grey, Form::Bits),
-                                            ::testing::Values(13, 1, 50),
-                                            ::testing::Values(1, 9, 37),
-                                            ::testing::Values(1, 2, 3, 4), ::testing::Bool()),
-                         case_name);
-INSTANTIATE_TEST_SUITE_P(Large, BandLoader,
-                         ::testing::Combine(::testing::Values(Form::Rgb, Form::Grey, Form::Bits),
-                                            ::testing::Values(67), ::testing::Values(83),
-                                            ::testing::Values(1, 2, 3, 4), ::testing::Bool()),
-                         case_name);
-
-// Loads `lines` grey lines of width W as one band, from the given position.
-void load_grey(LMV_pixmap *pm, int32_t *x, int32_t *y, const std::vector<uint8_t> &bytes, int side, bool first,
-               bool last)
+TEST(BandLoader, MatchesTheTableOfTurnsForAnyBandSplit)
 {
-    load_band_of_pixmap(pm, x, y, bytes.data(), int32_t(bytes.size()), false, false, side, first, last);
+    std::vector<std::pair<int, int>> sizes{{67, 83}};
+    for (int W : {13, 1, 50})
+        for (int H : {1, 9, 37}) sizes.emplace_back(W, H);
+    for (Form form : {Form::Rgb, Form::Grey, Form::Bits})
+        for (auto [W, H] : sizes)
+            for (int side = 1; side <= 4; ++side)
+                for (bool invert : {false, true}) {
+                    SCOPED_TRACE(testing::Message() << "form " << int(form) << " " << W << "x" << H << " side " << side
+                                                    << (invert ? " inverted" : ""));
+                    std::mt19937 rng(uint32_t(W * 7919 + H * 31 + side * 3 + invert));
+                    const auto raster = make_raster(form, W, H, rng);
+                    const Expected want = model(form, raster, W, H, side, invert);
+                    for (int round = 0; round < 3; ++round) {
+                        MessageCapture capture;
+                        PixmapHolder pm(create_pixmap(form == Form::Rgb ? PIXMAP_RGBA8 : PIXMAP_MATTE8, W, H));
+                        const auto bands = random_bands(form, W, raster.size(), rng);
+                        int32_t x = -7, y = -7;
+                        size_t offset = 0;
+                        for (size_t b = 0; b < bands.size(); ++b) {
+                            load_band_of_pixmap(pm.get(), &x, &y, raster.data() + offset, int32_t(bands[b]), invert,
+                                                form == Form::Bits, side, b == 0, b + 1 == bands.size());
+                            offset += bands[b];
+                        }
+                        ASSERT_EQ(assertion_count(capture), 0);
+                        // After the last band the record agrees with the leaf.
+                        ASSERT_EQ(std::pair(width_of_pixmap(pm.get()), height_of_pixmap(pm.get())),
+                                  std::pair(want.width, want.height));
+                        const CEL_PixmapPtr leaf = best_of_pixmap(pm.get());
+                        ASSERT_TRUE(leaf);
+                        ASSERT_EQ(std::pair(leaf->width(), leaf->height()), std::pair(want.width, want.height));
+                        if (form == Form::Rgb) {
+                            const CEL_RGBA8Pixel *got = rgba8_data_of_pixmap(pm.get());
+                            ASSERT_EQ(std::vector<CEL_RGBA8Pixel>(got, got + want.rgba.size()), want.rgba);
+                        } else {
+                            const uint8_t *got = matte8_data_of_pixmap(pm.get());
+                            ASSERT_EQ(std::vector<uint8_t>(got, got + want.grey.size()), want.grey);
+                        }
+                    }
+                }
 }
 
-TEST(BandLoaderTurn, RecordKeepsTheRasterSizeUntilTheLastBand)
+// A quarter turn keeps the raster's size in the record until the last band;
+// the first band sets the start of each side.
+TEST(BandLoaderTurn, TheRecordAndTheStartOfEachSide)
 {
     for (int side : {2, 4}) {
         SCOPED_TRACE(side);
         PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 5, 3));
         int32_t x = 0, y = 0;
         const std::vector<uint8_t> line(5, 9);
-        load_grey(pm.get(), &x, &y, line, side, true, false);
-        EXPECT_EQ(width_of_pixmap(pm.get()), 5);
-        EXPECT_EQ(height_of_pixmap(pm.get()), 3);
+        for (int n = 0; n < 3; ++n) {
+            load_band_of_pixmap(pm.get(), &x, &y, line.data(), 5, false, false, side, n == 0, n == 2);
+            EXPECT_EQ(std::pair(width_of_pixmap(pm.get()), height_of_pixmap(pm.get())), n < 2 ? std::pair(5, 3) : std::pair(3, 5));
+            // The position names the next pixel in leaf coordinates.
+            if (n == 0) EXPECT_EQ(std::make_pair(x, y), side == 2 ? std::make_pair(1, 0) : std::make_pair(1, 4));
+        }
         EXPECT_EQ(matte8_of_pixmap(pm.get())->width(), 3);
-        EXPECT_EQ(matte8_of_pixmap(pm.get())->height(), 5);
-        EXPECT_EQ(type_of_pixmap(pm.get()), PIXMAP_MATTE8);
-        // The position names the next pixel in leaf coordinates: the second
-        // line's first pixel.
-        EXPECT_EQ(std::make_pair(x, y), side == 2 ? std::make_pair(1, 0) : std::make_pair(1, 4));
-
-        load_grey(pm.get(), &x, &y, line, side, false, false);
-        load_grey(pm.get(), &x, &y, line, side, false, true);
-        EXPECT_EQ(width_of_pixmap(pm.get()), 3);
-        EXPECT_EQ(height_of_pixmap(pm.get()), 5);
     }
-}
-
-TEST(BandLoaderStart, FirstBandSetsTheStartOfEachSide)
-{
     const std::pair<int, int> starts[] = {{0, 0}, {6, 0}, {3, 6}, {0, 3}}; // W = 4, H = 7
     for (int side = 1; side <= 4; ++side) {
         PixmapHolder pm(create_pixmap(PIXMAP_RGBA8, 4, 7));
@@ -221,7 +188,9 @@ TEST(BandLoaderRejects, BandsThatAreNotWholeLinesAreDroppedWhole)
     }
 }
 
-TEST(BandLoaderRejects, BandsPastTheEndOrFromNowhereStoreNothing)
+// Bands past the end or from outside the raster, a wrong kind, peg side or
+// length: an assertion each, and nothing stored.
+TEST(BandLoaderRejects, BadBandsStoreNothing)
 {
     PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 4, 2));
     int32_t x = 0, y = 0;
@@ -231,55 +200,35 @@ TEST(BandLoaderRejects, BandsPastTheEndOrFromNowhereStoreNothing)
     const std::vector<uint8_t> before(px, px + 8);
 
     MessageCapture capture;
-    const std::vector<uint8_t> two_lines(8, 7);
-    load_band_of_pixmap(pm.get(), &x, &y, two_lines.data(), 8, false, false, 1, false, false);
+    const std::vector<uint8_t> bytes(12, 7);
+    load_band_of_pixmap(pm.get(), &x, &y, bytes.data(), 8, false, false, 1, false, false);
     EXPECT_EQ(std::make_pair(x, y), std::make_pair(0, 1));
     // Positions outside the raster, and a grey band that starts within a line.
     for (const auto &[px_x, px_y] : {std::make_pair(0, 2), std::make_pair(-1, 0), std::make_pair(4, 0),
                                      std::make_pair(1, 1)}) {
         x = px_x, y = px_y;
-        load_band_of_pixmap(pm.get(), &x, &y, two_lines.data(), 4, false, false, 1, false, false);
+        load_band_of_pixmap(pm.get(), &x, &y, bytes.data(), 4, false, false, 1, false, false);
         EXPECT_EQ(std::make_pair(x, y), std::make_pair(px_x, px_y));
     }
-    EXPECT_EQ(assertion_count(capture), 5);
+    // A wrong peg side, and no bytes.
+    for (auto [side, length] : {std::pair(0, 4), {5, 4}, {1, 0}}) {
+        x = 3, y = 3;
+        load_band_of_pixmap(pm.get(), &x, &y, bytes.data(), length, false, false, side, true, true);
+        if (length) EXPECT_EQ(std::make_pair(x, y), std::make_pair(3, 3));
+    }
     EXPECT_EQ(std::vector<uint8_t>(px, px + 8), before) << "nothing stored";
-}
+    PixmapHolder wide(create_pixmap(PIXMAP_MATTE16, 4, 1));
+    load_band_of_pixmap(wide.get(), &x, &y, bytes.data(), 4, false, false, 1, true, true);
+    EXPECT_EQ(matte16_data_of_pixmap(wide.get())[0], 0);
+    EXPECT_EQ(assertion_count(capture), 9);
 
-TEST(BandLoaderRejects, WrongKindPegSideOrLengthWritesNothing)
-{
-    const std::vector<uint8_t> bytes(12, 200);
-    MessageCapture capture;
-    {
-        PixmapHolder pm(create_pixmap(PIXMAP_MATTE16, 4, 1));
-        int32_t x = 0, y = 0;
-        load_band_of_pixmap(pm.get(), &x, &y, bytes.data(), 4, false, false, 1, true, true);
-        EXPECT_EQ(matte16_data_of_pixmap(pm.get())[0], 0);
-    }
-    for (int side : {0, 5}) {
-        PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 4, 1));
-        int32_t x = 3, y = 3;
-        load_band_of_pixmap(pm.get(), &x, &y, bytes.data(), 4, false, false, side, true, true);
-        EXPECT_EQ(matte8_data_of_pixmap(pm.get())[0], 0);
-        EXPECT_EQ(std::make_pair(x, y), std::make_pair(3, 3));
-    }
-    {
-        PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 4, 1));
-        int32_t x = 0, y = 0;
-        load_band_of_pixmap(pm.get(), &x, &y, bytes.data(), 0, false, false, 1, true, true);
-        EXPECT_EQ(matte8_data_of_pixmap(pm.get())[0], 0);
-    }
-    EXPECT_EQ(assertion_count(capture), 4);
-}
-
-TEST(BandLoaderRejects, OneBitColourIsReadAsRgb)
-{
-    PixmapHolder pm(create_pixmap(PIXMAP_RGBA8, 2, 1));
-    const uint8_t rgb[] = {1, 2, 3, 4, 5, 6};
-    int32_t x = 0, y = 0;
-    MessageCapture capture;
-    load_band_of_pixmap(pm.get(), &x, &y, rgb, 6, false, true, 1, true, true);
-    EXPECT_EQ(assertion_count(capture), 1);
-    EXPECT_EQ(rgba8_data_of_pixmap(pm.get())[1], (CEL_RGBA8Pixel{4, 5, 6, 0}));
+    // One-bit colour is read as RGB.
+    PixmapHolder rgb(create_pixmap(PIXMAP_RGBA8, 2, 1));
+    const uint8_t six[] = {1, 2, 3, 4, 5, 6};
+    x = y = 0;
+    load_band_of_pixmap(rgb.get(), &x, &y, six, 6, false, true, 1, true, true);
+    EXPECT_EQ(assertion_count(capture), 10);
+    EXPECT_EQ(rgba8_data_of_pixmap(rgb.get())[1], (CEL_RGBA8Pixel{4, 5, 6, 0}));
 }
 
 // A one-bit image 13 pixels wide, padded by Qt to 4 bytes a line.

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "conf_fixture.h"
 #include "scan/devices.h"
 #include "scan/scanner_list.h"
@@ -42,16 +44,8 @@ TEST(ModelTable, SupportedNamesAreExact) {
         EXPECT_FALSE(supported_model_of_devices(QString::fromLatin1(m))) << m;
 }
 
-TEST(ModelTable, SaneIsAcceptedButHasNoSetup) {
-    MessageCapture capture;
-    ScanDeviceInfo dev;
-    dev.model = QStringLiteral("Sane");
-    EXPECT_FALSE(setup_model_of_devices(&dev));
-    EXPECT_EQ(capture.errors(), Errors{"Device Sane Not Supported."});
-    EXPECT_EQ(offered_steps(&dev), "300 ");
-    EXPECT_FALSE(setup_model_of_devices(nullptr));
-}
-
+// Sane is a known name without a setup: the scanner stays in the list with a
+// fresh device.
 TEST_F(ConfTest, SaneStaysInTheListWithAFreshDevice) {
     read(block("Sane"));
     EXPECT_EQ(errors(), Errors{"Device Sane Not Supported."});
@@ -59,20 +53,16 @@ TEST_F(ConfTest, SaneStaysInTheListWithAFreshDevice) {
     EXPECT_EQ(dev->model, "Sane");
     EXPECT_EQ(groups(dev->bw_parameters), "");
     EXPECT_EQ(dev->default_threshold, -1);
+    EXPECT_EQ(offered_steps(dev), "300 ");
+    EXPECT_FALSE(setup_model_of_devices(nullptr));
 }
 
 TEST_F(ConfTest, PluginColorIsTheGenericRecordAt300Only) {
     read(block("Plugin-Color", "defaultResolution: 150\n"));
     const ScanDeviceInfo *dev = device_of_ScannerEntry(only());
     const ScannerOps fresh;
-    const ScannerOps &ops = dev->ops;
-    EXPECT_TRUE(ops.reserve == fresh.reserve && ops.ready == fresh.ready && ops.inquire == fresh.inquire &&
-                ops.setup1 == fresh.setup1 && ops.set_window == fresh.set_window && ops.setup2 == fresh.setup2 &&
-                ops.autoload == fresh.autoload && ops.unload == fresh.unload && ops.eject == fresh.eject &&
-                ops.initiate == fresh.initiate && ops.read == fresh.read && ops.release == fresh.release);
+    EXPECT_TRUE(dev->ops.reserve == fresh.reserve && dev->ops.read == fresh.read && dev->ops.release == fresh.release);
     EXPECT_EQ(offered_steps(dev), "300 ");
-    EXPECT_EQ(dev->min_resolution, 300);
-    EXPECT_EQ(dev->max_resolution, 300);
     EXPECT_EQ(groups(dev->bw_parameters) + groups(dev->grey_parameters) + groups(dev->colour_parameters), "");
     EXPECT_EQ(defaultResolution_of_ScannerEntry(only()), 300);
     EXPECT_EQ(logs(), Errors{"Invalid Resolution for model S: 150 changed to 300."});
@@ -96,15 +86,9 @@ TEST(ModelTable, FujitsuFiHasItsOwnDefaultsAndContrastLimit) {
     fi.default_gamma = 3.5f;
     fi.default_contrast = 300;
     ASSERT_TRUE(setup_model_of_devices(&fi));
-    EXPECT_EQ(fi.default_black_point, 25);
-    EXPECT_EQ(fi.default_white_point, 220);
-    EXPECT_FLOAT_EQ(fi.default_gamma, 0.65f);
+    EXPECT_EQ(std::tuple(fi.default_black_point, fi.default_white_point, fi.default_contrast, fi.flag_c),
+              std::tuple(25, 220, 0, 1));
     EXPECT_FLOAT_EQ(fi.colour_parameters.gamma_default, 0.65f);
-    EXPECT_EQ(fi.default_contrast, 0);
-    EXPECT_DOUBLE_EQ(fi.max_scan_inches_y, 16.899);
-    EXPECT_EQ(fi.flag_c, 1);
-    EXPECT_EQ(fi.flag_a, 0);
-    EXPECT_EQ(fi.min_resolution, 100);
     EXPECT_EQ(offered_steps(&fi), "200 240 300 400 ");
     EXPECT_FALSE(fi6770_mode_of_devices());
 
@@ -113,7 +97,6 @@ TEST(ModelTable, FujitsuFiHasItsOwnDefaultsAndContrastLimit) {
     m.default_gamma = 3.5f;  // no gamma on this family: left alone
     ASSERT_TRUE(setup_model_of_devices(&m));
     EXPECT_FLOAT_EQ(m.default_gamma, 3.5f);
-    EXPECT_EQ(m.default_black_point, 20);
     EXPECT_EQ(m.flag_c, 0);
 
     ScanDeviceInfo f6770;
@@ -184,23 +167,18 @@ TEST_F(ConfTest, ParameterSetsPerFamily) {
 
 TEST_F(ConfTest, SpeedPresetsOfTheFamilies) {
     read(block("Sharp_JX-610", "", "Sharp") + block("Bogus-B&W", "", "BW") + block("Bogus-Color", "", "Colour"));
-    const ScanDeviceInfo *sharp = device_of_ScannerEntry(entry_of_ScannerList(list_.get(), 0));
-    const Standard_parameters &s = sharp->grey_parameters;
-    EXPECT_EQ(s.speed_label, "Milliseconds/Line");
-    EXPECT_EQ(std::make_tuple(s.speed_min, s.speed_max, s.speed_default), std::make_tuple(5, 300, 35));
-    EXPECT_TRUE(s.has_normal && s.normal == 70 && s.has_fast && s.fast == 35 && s.has_custom);
-    EXPECT_FLOAT_EQ(s.gamma_min, 0.01f);
-    EXPECT_FLOAT_EQ(s.gamma_max, 3.0f);
-
-    const Standard_parameters &bw = device_of_ScannerEntry(entry_of_ScannerList(list_.get(), 1))->bw_parameters;
-    EXPECT_EQ(std::make_tuple(bw.speed_min, bw.speed_max, bw.speed_default), std::make_tuple(5, 35000, 10));
-    EXPECT_TRUE(!bw.has_normal && bw.has_fast && bw.fast == 2000 && bw.has_custom);
-
-    const ScanDeviceInfo *colour = device_of_ScannerEntry(entry_of_ScannerList(list_.get(), 2));
-    EXPECT_TRUE(colour->grey_parameters.has_normal && colour->grey_parameters.normal == 15000 &&
-                colour->grey_parameters.has_fast && !colour->grey_parameters.has_custom);
-    EXPECT_TRUE(colour->colour_parameters.has_normal && !colour->colour_parameters.has_fast &&
-                colour->colour_parameters.has_custom);
+    // Range and default; n normal, f fast, c custom.
+    const auto speed = [](const Standard_parameters &p) {
+        return std::to_string(p.speed_min) + ".." + std::to_string(p.speed_max) + " " + std::to_string(p.speed_default) +
+               (p.has_normal ? " n" + std::to_string(p.normal) : "") + (p.has_fast ? " f" + std::to_string(p.fast) : "") +
+               (p.has_custom ? " c" : "");
+    };
+    auto dev = [&](int i) { return device_of_ScannerEntry(entry_of_ScannerList(list_.get(), i)); };
+    EXPECT_EQ(speed(dev(0)->grey_parameters), "5..300 35 n70 f35 c");
+    EXPECT_EQ(dev(0)->grey_parameters.speed_label, "Milliseconds/Line");
+    EXPECT_EQ(speed(dev(1)->bw_parameters), "5..35000 10 f2000 c");
+    EXPECT_EQ(speed(dev(2)->grey_parameters), "5..35000 10 n15000 f2000");
+    EXPECT_EQ(speed(dev(2)->colour_parameters), "5..35000 10 n15000 c");
 }
 
 // Sharp and Umax want no gamma file at all; Epson only an absent file.
@@ -235,28 +213,19 @@ TEST_F(ConfTest, CapabilitiesAndOperationsOfTheFamilies) {
     read(block("Ricoh_IS410", "", "R410") + block("Ricoh_IS420", "", "R420") + block("Bogus-Color", "", "Bogus") +
          block("Epson_1640XL", "", "Epson") + block("Ricoh_IS760", "", "R760"));
     auto dev = [&](int i) { return device_of_ScannerEntry(entry_of_ScannerList(list_.get(), i)); };
-
     const ScanDeviceInfo *r410 = dev(0);
     EXPECT_TRUE(r410->bw_feeder && r410->grey_supported && !r410->grey_feeder && !r410->colour_supported);
     EXPECT_EQ(r410->default_depth, DEPTH_BW);
     EXPECT_EQ(offered_steps(r410), "100 150 200 240 300 400 ");
-    EXPECT_EQ(r410->ops.eject, nullptr);
     EXPECT_EQ(r410->ops.ready, generic_ready_of_ScanDeviceInfo);
     EXPECT_EQ(dev(1)->ops.ready, nop_of_ScanDeviceInfo);
     EXPECT_EQ(dev(1)->ops.eject, nullptr);
-
     const ScanDeviceInfo *bogus = dev(2);
-    EXPECT_EQ(bogus->default_depth, DEPTH_COLOUR);
     EXPECT_TRUE(bogus->colour_supported && bogus->colour_feeder);
     EXPECT_EQ(offered_steps(bogus), "72 100 150 200 300 400 600 ");
     EXPECT_EQ(bogus->optical_dpi_limit, 200);
     EXPECT_EQ(bogus->ops.release, nop_of_ScanDeviceInfo);
-    EXPECT_EQ(bogus->ops.inquire, nop_of_ScanDeviceInfo);
-
-    const ScanDeviceInfo *epson = dev(3);
-    EXPECT_EQ(epson->flag_a, 1);
-    EXPECT_EQ(epson->flag_b, 1);
-    EXPECT_EQ(epson->default_resolution, 150);
+    EXPECT_EQ(std::tuple(dev(3)->flag_a, dev(3)->flag_b, dev(3)->default_resolution), std::tuple(1, 1, 150));
     EXPECT_EQ(dev(4)->max_resolution, 400);
     EXPECT_FALSE(dev(4)->colour_supported);  // until its inquiry says otherwise
 }

@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Line coverage of the code folders by the unit tests, with gcov:
+# scripts/coverage.sh [BUILD_DIR]   (default build-cov)
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+dir=$(mkdir -p "${1:-$root/build-cov}" && cd "${1:-$root/build-cov}" && pwd)
+cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DSCAN_BUILD_BENCH=OFF \
+  -DCMAKE_C_FLAGS=--coverage -DCMAKE_CXX_FLAGS=--coverage -DCMAKE_EXE_LINKER_FLAGS=--coverage >/dev/null
+cmake --build "$dir" -j "$(nproc)"
+find "$dir" -name '*.gcda' -delete
+QT_QPA_PLATFORM=offscreen ctest --test-dir "$dir" -j "$(nproc)" | tail -n 3
+# A line counts once however many translation units include it.
+find "$dir" -name '*.gcda' -print0 | (cd "$dir" && xargs -0 gcov --json-format --stdout 2>/dev/null) |
+python3 -c '
+import json, os, sys, collections
+root, folders = sys.argv[1], ("app", "scan", "suite", "workflow", "vectorize", "tools")
+hit = collections.defaultdict(dict)
+for doc in sys.stdin:
+    doc = json.loads(doc)
+    for f in doc["files"]:
+        path = os.path.normpath(os.path.join(doc["current_working_directory"], f["file"]))
+        if not path.startswith(root + "/") or path[len(root) + 1:].split("/")[0] not in folders:
+            continue
+        lines = hit[path[len(root) + 1:]]
+        for l in f["lines"]:
+            lines[l["line_number"]] = lines.get(l["line_number"], False) or l["count"] > 0
+total = collections.Counter()
+for path, lines in hit.items():
+    top = path.split("/")[0]
+    total[top, 0] += len(lines); total[top, 1] += sum(lines.values())
+for top in folders:
+    if total[top, 0]:
+        print(f"{top:10} {total[top, 1]:6} / {total[top, 0]:6}  {100 * total[top, 1] / total[top, 0]:5.1f} %")
+n, c = sum(total[t, 0] for t in folders), sum(total[t, 1] for t in folders)
+print(f"{\"all\":10} {c:6} / {n:6}  {100 * c / n:5.1f} %")
+' "$root"

@@ -29,38 +29,24 @@ TEST(PixelShape, UnsetRightAfterStartStaysUnset)
     EXPECT_EQ(assertionsIn(capture), 2);
 }
 
+// Each shape sets its aspect; Unset keeps the shape but resets the aspect
+// with an error, and an unknown shape is kept with an assertion.
 TEST(PixelShape, EachShapeSetsItsAspect)
 {
-    MessageCapture capture;
-    set_basic_pixel_shape(PIXEL_SHAPE_NARROW);
-    EXPECT_EQ(current_pixel_shape(), 0);
-    EXPECT_EQ(pixel_aspect(), 0.9);
-    set_basic_pixel_shape(PIXEL_SHAPE_WIDE);
-    EXPECT_EQ(current_pixel_shape(), 3);
-    EXPECT_EQ(pixel_aspect(), 1.0666666666666667);
-    set_basic_pixel_shape(PIXEL_SHAPE_SQUARE);
-    EXPECT_EQ(current_pixel_shape(), 1);
-    EXPECT_EQ(pixel_aspect(), 1.0);
-    EXPECT_TRUE(capture.lines().empty());
-}
-
-TEST(PixelShape, UnsetKeepsTheShapeButResetsTheAspect)
-{
-    set_basic_pixel_shape(PIXEL_SHAPE_NARROW);
-    MessageCapture capture;
-    set_basic_pixel_shape(PIXEL_SHAPE_UNSET);
-    EXPECT_EQ(current_pixel_shape(), PIXEL_SHAPE_NARROW);
-    EXPECT_EQ(pixel_aspect(), 1.0);
-    EXPECT_EQ(capture.errors().size(), 1u);
-}
-
-TEST(PixelShape, UnknownShapeIsKeptWithAnAssertion)
-{
-    set_basic_pixel_shape(PIXEL_SHAPE_WIDE);
-    MessageCapture capture;
-    set_basic_pixel_shape(7);
-    EXPECT_EQ(current_pixel_shape(), 7);
-    EXPECT_EQ(pixel_aspect(), 1.0);
-    EXPECT_EQ(assertionsIn(capture), 1);
-    EXPECT_TRUE(capture.errors().empty());
+    struct Step {
+        int32_t set, shape;
+        double aspect;
+        size_t errors;
+        int assertions;
+    };
+    for (const Step &s : {Step{PIXEL_SHAPE_NARROW, 0, 0.9, 0, 0}, Step{PIXEL_SHAPE_WIDE, 3, 1.0666666666666667, 0, 0},
+                          Step{PIXEL_SHAPE_SQUARE, 1, 1.0, 0, 0}, Step{PIXEL_SHAPE_NARROW, 0, 0.9, 0, 0},
+                          Step{PIXEL_SHAPE_UNSET, 0, 1.0, 1, 2}, Step{7, 7, 1.0, 0, 1}}) {
+        MessageCapture capture;
+        set_basic_pixel_shape(s.set);
+        EXPECT_EQ(current_pixel_shape(), s.shape) << s.set;
+        EXPECT_EQ(pixel_aspect(), s.aspect) << s.set;
+        EXPECT_EQ(capture.errors().size(), s.errors) << s.set;
+        EXPECT_EQ(assertionsIn(capture), s.assertions) << s.set;
+    }
 }

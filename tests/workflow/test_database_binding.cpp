@@ -3,6 +3,8 @@
 // vectorize queue, its option line and its failures), on a database in memory.
 #include "session_fixture.h"
 
+#include <tuple>
+
 #include "fake_db_access.h"
 #include "scan/pixmap_pixmap.h"
 #include "scan/scanner_list.h"
@@ -93,54 +95,41 @@ TEST_F(BindingTest, AnElementWithoutVectorizationIsMarkedButNeverQueued) {
     EXPECT_EQ(update(), SCAN_DONE);
     ASSERT_EQ(db_.processed.size(), 1u);
     const FakeDbAccess::ProcessedCall &p = db_.processed[0];
-    EXPECT_EQ(p.scene, &db_.scene);
-    EXPECT_EQ(p.elementName, "E");
-    EXPECT_EQ(p.elementId, 4001);
-    EXPECT_EQ(p.cels, QStringList{"2"});
-    EXPECT_EQ(p.stage, 1);
-    EXPECT_EQ(p.status, 0);
+    EXPECT_EQ(std::tie(p.scene, p.elementName, p.elementId, p.cels, p.stage, p.status),
+              std::tuple(&db_.scene, "E", 4001, QStringList{"2"}, 1, 0));
     EXPECT_TRUE(db_.opened.isEmpty());
     EXPECT_TRUE(db_.added.empty());
     EXPECT_TRUE(traced("Vectorize not needed."));
-}
 
-TEST_F(BindingTest, AClosedBindingDoesNothing) {
-    ScanConfig *c = start(block("Test", "Bogus-Color"));
+    // A closed binding does nothing at all.
+    ScanConfigDestroy(config_);
+    start(block("Test", "Bogus-Color"));
     list({"1"});
-    ASSERT_FALSE(binding_of_ScanConfig(c)->open);
+    ASSERT_FALSE(binding_of_ScanConfig(config_)->open);
     EXPECT_EQ(update(), SCAN_DONE);
-    EXPECT_TRUE(db_.processed.empty());
-    EXPECT_TRUE(db_.opened.isEmpty());
+    EXPECT_EQ(db_.processed.size(), 1u);
 }
 
-TEST_F(BindingTest, TheEntryCarriesTheDrawingAndItsSceneForVectorize) {
+TEST_F(BindingTest, TheEntryCarriesTheDrawingAndItsSceneForVectorizeOrPix2vec) {
     bound({"1", "7b"});
     moveTo(1);
     EXPECT_EQ(update(), SCAN_DONE);
     ASSERT_EQ(db_.added.size(), 1u);
     const dba_queueEntry_struct &e = db_.added[0];
-    EXPECT_EQ(e.queue, db_.addedTo[0]);
-    EXPECT_EQ(e.active, 1);
-    EXPECT_EQ(e.jobName, "Job");
-    EXPECT_EQ(e.sceneName, "S1");
-    EXPECT_EQ(e.elementName, "E");
-    EXPECT_EQ(e.elementId, 4001);
-    EXPECT_EQ(e.drawing, "7b");
-    EXPECT_EQ(e.sceneId, 31);
-    EXPECT_EQ(e.scene, &db_.scene);
-    EXPECT_EQ(e.sceneVersion, 5);
-    EXPECT_EQ(e.process, DBA_PROCESS_VECTORIZE);
+    EXPECT_EQ(std::tie(e.queue, e.active, e.jobName, e.sceneName, e.elementName, e.elementId, e.drawing),
+              std::tuple(db_.addedTo[0], 1, "Job", "S1", "E", 4001, "7b"));
+    EXPECT_EQ(std::tie(e.sceneId, e.scene, e.sceneVersion, e.process), std::tuple(31, &db_.scene, 5, DBA_PROCESS_VECTORIZE));
     EXPECT_EQ(e.options, "") << "no pencil test, no calibration, no style";
     EXPECT_TRUE(traced("Process 7b with Vectorize."));
     EXPECT_TRUE(traced("Placed 7b on the Vectorize queue."));
-}
 
-TEST_F(BindingTest, AnyOtherVectorizeKindGoesToPix2vec) {
+    // Any other vectorize kind goes to pix2vec.
+    ScanConfigDestroy(config_);
     db_.element.needsVectorization = 3;
     bound({"1"});
     EXPECT_EQ(update(), SCAN_DONE);
-    ASSERT_EQ(db_.added.size(), 1u);
-    EXPECT_EQ(db_.added[0].process, DBA_PROCESS_PIX2VEC);
+    ASSERT_EQ(db_.added.size(), 2u);
+    EXPECT_EQ(db_.added[1].process, DBA_PROCESS_PIX2VEC);
     EXPECT_TRUE(traced("Process 1 with Pix2vec."));
 }
 

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QSignalBlocker>
 #include <QSlider>
+#include <QStandardItemModel>
 #include <QVBoxLayout>
 
 #include "scan/parameters.h"
@@ -58,7 +59,20 @@ void TUParamSpeedWidget::update(Standard_parameters *parameters, double minimum,
     m_unit->setText(scanTr(parameters->speed_label.toUtf8().constData()));
 }
 
-void TUParamSpeedWidget::selectMode(Mode mode) { newSpeed(static_cast<int>(m_modes.indexOf(mode))); }
+void TUParamSpeedWidget::selectMode(Mode mode) {
+    qsizetype index = m_modes.indexOf(mode);
+    if (index < 0 && mode == Custom && m_parameters && m_parameters->has_speed) {
+        // A value that is no preset, in a set that offers no Custom: the box
+        // still names what the slider holds, in an entry that can't be chosen.
+        const QSignalBlocker blocker(m_modeBox);
+        m_modeBox->addItem(scanTr("Custom"));
+        m_modes.append(Custom);
+        index = m_modes.size() - 1;
+        if (auto *model = qobject_cast<QStandardItemModel *>(m_modeBox->model()))
+            model->item(static_cast<int>(index))->setEnabled(false);
+    }
+    newSpeed(static_cast<int>(index));
+}
 
 void TUParamSpeedWidget::newSpeed(int index) {
     if (index < 0 || index >= m_modes.size()) return;
@@ -68,7 +82,7 @@ void TUParamSpeedWidget::newSpeed(int index) {
     }
     const Mode mode = m_modes[index];
     if (mode == Custom) {
-        enableSlider(true);
+        enableSlider(m_parameters->has_custom);
         return;
     }
     const int32_t preset = mode == Normal ? m_parameters->normal : m_parameters->fast;

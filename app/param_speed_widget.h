@@ -15,7 +15,8 @@ public:
     explicit TUParamSpeedWidget(QWidget *parent = nullptr);
     // Also offers the modes of the set and shows its unit.
     void update(Standard_parameters *parameters, double minimum, double maximum, double value) override;
-    // Selects a mode as the operator would; a mode the set does not offer does nothing.
+    // Selects a mode as the operator would; a mode the set does not offer does
+    // nothing, except Custom, which the box then shows without offering it.
     void selectMode(Mode mode);
 
     QComboBox *modeBox() const { return m_modeBox; }

@@ -4,8 +4,11 @@
 #include <QDir>
 #include <QFile>
 #include <QPalette>
+#include <QStyle>
 #include <QStyleFactory>
 #include <QTranslator>
+
+#include <optional>
 
 #include "suite/base/osw_util.h"
 #include "suite/base/tumessage.h"
@@ -31,8 +34,30 @@ void Scan_Application::aboutToBlock() {
     m->suspendReport(true);
 }
 
+namespace {
+
+// The look of the application before the dark style first replaced it.
+struct PlainLook {
+    QString style;
+    QPalette palette;
+};
+std::optional<PlainLook> &plainLook() {
+    static std::optional<PlainLook> look;
+    return look;
+}
+
+}  // namespace
+
 void Scan_Application::setDarkStyle(bool on) {
-    if (!on) return;
+    std::optional<PlainLook> &plain = plainLook();
+    if (!on) {
+        if (!plain) return;  // the dark style was never on
+        setStyle(QStyleFactory::create(plain->style));
+        setPalette(plain->palette);
+        plain.reset();
+        return;
+    }
+    if (!plain) plain = PlainLook{style()->name(), palette()};
     setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QPalette p;
     const QColor window(53, 53, 53), base(35, 35, 35), text(220, 220, 220), highlight(42, 130, 218);
@@ -50,6 +75,9 @@ void Scan_Application::setDarkStyle(bool on) {
     p.setColor(QPalette::HighlightedText, Qt::black);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         p.setColor(QPalette::Disabled, role, QColor(127, 127, 127));
+    // Disabled text is etched with the light colour under it: a light shadow
+    // on a dark ground would blur it.
+    p.setColor(QPalette::Disabled, QPalette::Light, Qt::transparent);
     setPalette(p);
 }
 
@@ -61,7 +89,7 @@ void Scan_Application::loadStyleSheets() {
         QFile f(dir.filePath(name));
         if (f.open(QIODevice::ReadOnly)) sheet += QString::fromUtf8(f.readAll()) + QLatin1Char('\n');
     }
-    if (!sheet.isEmpty()) setStyleSheet(sheet);
+    if (!sheet.isEmpty()) qApp->setStyleSheet(sheet);
 }
 
 TUKqScanApp::TUKqScanApp(int &argc, char **argv) : Scan_Application(argc, argv) {}

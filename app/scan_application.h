@@ -24,9 +24,11 @@ public:
     void setMainWidget(QWidget *widget) { mainWidget_ = widget; }
     QWidget *mainWidget() const { return mainWidget_; }
 
-    // The station's dark look, and the style sheets of the installation.
-    void setDarkStyle(bool on);
-    void loadStyleSheets();
+    // The station's dark look, or back to the look the application had before
+    // it; and the style sheets of the installation. Both act on whatever
+    // application object runs.
+    static void setDarkStyle(bool on);
+    static void loadStyleSheets();
 
 private:
     int depth_ = 0;

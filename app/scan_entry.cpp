@@ -68,6 +68,14 @@ Qt::HANDLE &mainThreadId() {
     return id;
 }
 
+// Whether the platform that Qt would load finds a display server. Asked before
+// the application object is made, since without one Qt cannot make it at all.
+bool displayAvailable() {
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    const bool needsServer = platform.isEmpty() || platform.startsWith("xcb") || platform.startsWith("wayland");
+    return !needsServer || !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
 }  // namespace
 
 int ConnectStationDatabase(std::unique_ptr<TUDbAccess> &database) {
@@ -87,6 +95,11 @@ int ScanMain(int argc, char **argv) {
     const QString programPath = QString::fromLatin1(argc > 0 ? argv[0] : "");
     const BAPP_Arguments arguments = parseArguments(argc, argv);
 
+    // Without a display the start goes on in the same order as far as it
+    // can: what only prints (the database failure, help, version, an unknown
+    // parameter) needs no screen.
+    const bool display = displayAvailable();
+    if (!display) qputenv("QT_QPA_PLATFORM", "offscreen");
     auto app = std::make_unique<TUKqScanApp>(narrow.argc(), narrow.argv());
 
     std::unique_ptr<TUDbAccess> database;
@@ -94,6 +107,10 @@ int ScanMain(int argc, char **argv) {
 
     StartOptions &options = startOptions();
     if (!ParseArguments(argc, argv, options, localPrefs())) return 0;
+    if (!display) {
+        std::fprintf(stderr, "Scan: there is no display to open the station window on (DISPLAY or WAYLAND_DISPLAY).\n");
+        return 1;
+    }
 
     OSW_Lang::loadTranslators(options.fakeTranslation);
     whoami::printVersionInfo();

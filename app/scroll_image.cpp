@@ -65,13 +65,17 @@ void TUScrollImage::newImage(QSize fixedSize) {
         if (m_style != 0)
             position(m_size);
         else
-            setScrollPosition(m_size.width() / 2 - viewport()->width() / 2,
-                              m_size.height() / 2 - viewport()->height() / 2);
+            centreOn(m_size);
     }
     viewport()->update();
 }
 
-void TUScrollImage::position(QSize) { setScrollPosition(0, 0); }
+// The overview opens on the sheet's middle, as the main image does.
+void TUScrollImage::position(QSize size) { centreOn(size); }
+
+void TUScrollImage::centreOn(QSize size) {
+    setScrollPosition(size.width() / 2 - viewport()->width() / 2, size.height() / 2 - viewport()->height() / 2);
+}
 
 void TUScrollImage::setScrollPosition(int x, int y) {
     horizontalScrollBar()->setValue(x);

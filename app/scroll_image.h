@@ -50,6 +50,7 @@ private:
     void newImage(QSize fixedSize);
     void updateRanges();
     void setScrollPosition(int x, int y);
+    void centreOn(QSize size);
     QSize sizeAtScale(int factor) const;
     bool pointerEvent(QEvent *event);
 

@@ -25,7 +25,6 @@ public:
 
     void startSession(ScanConfig *config, bool openDrawings) override {
         window_->setConfig(config);
-        window_->updateVectorizationStyleLabel();
         window_->show(openDrawings);
     }
 

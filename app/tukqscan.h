@@ -41,7 +41,10 @@ public:
              QWidget *parent = nullptr);
     ~TUKqScan() override;
 
-    void setConfig(ScanConfig *config) { m_config = config; }
+    // Takes the session and shows its vectorization style, reading the
+    // style list now, so that a missing list is told at start and not during
+    // the first scan.
+    void setConfig(ScanConfig *config);
     ScanConfig *config() const { return m_config; }
     // "Vectorization Style: " and the name of the session's style.
     void updateVectorizationStyleLabel();

@@ -50,9 +50,14 @@ const char *const kHelpAddress = "https://docs.scanstation.org/scan/";
 bool runsAsAdministrator() { return geteuid() == 0; }
 }  // namespace
 
+void TUKqScan::setConfig(ScanConfig *config) {
+    m_config = config;
+    updateVectorizationStyleLabel();
+}
+
 void TUKqScan::updateVectorizationStyleLabel() {
-    const QString name = m_styleDialog ? m_styleDialog->currentName() : QString();
-    m_styleLabel->setText(tr("Vectorization Style: ") + name);
+    const TUVectOptionsDlg *dialog = styleDialog();
+    m_styleLabel->setText(tr("Vectorization Style: ") + (dialog ? dialog->currentName() : QString()));
 }
 
 TUVectOptionsDlg *TUKqScan::styleDialog() {
@@ -267,10 +272,8 @@ void TUKqScan::DebugMode() {
 }
 
 void TUKqScan::onActionChangeStyle(bool on) {
-    if (auto *app = qobject_cast<Scan_Application *>(QCoreApplication::instance())) {
-        app->setDarkStyle(on);
-        app->loadStyleSheets();
-    }
+    Scan_Application::setDarkStyle(on);
+    Scan_Application::loadStyleSheets();
 }
 
 void TUKqScan::passHeldKey(int key) {

@@ -4,13 +4,14 @@
 #include <QActionGroup>
 #include <QMenu>
 #include <QStyle>
+#include <QStyleOptionButton>
+#include <QStylePainter>
 
 TUMenuButton::TUMenuButton(QWidget *parent)
     : QPushButton(parent), m_menu(new QMenu(this)), m_group(new QActionGroup(this)) {
     m_group->setExclusive(true);
     setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
     setIconSize(QSize(8, 8));
-    setStyleSheet(QStringLiteral("QPushButton { text-align: left; }"));
     connect(this, &QPushButton::pressed, this, &TUMenuButton::popup);
     connect(m_menu, &QMenu::triggered, this, &TUMenuButton::triggered);
 }
@@ -96,4 +97,28 @@ void TUMenuButton::triggered(QAction *action) {
     const int id = action->data().toInt();
     setCurrent(id);
     emit activated(id);
+}
+
+void TUMenuButton::paintEvent(QPaintEvent *) {
+    QStylePainter painter(this);
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    painter.drawControl(QStyle::CE_PushButtonBevel, option);
+
+    QRect content = style()->subElementRect(QStyle::SE_PushButtonContents, &option, this);
+    const int gap = style()->pixelMetric(QStyle::PM_ButtonMargin, &option, this) / 2;
+    content.adjust(gap, 0, -gap, 0);
+    if (!option.icon.isNull()) {
+        const QRect icon = QStyle::alignedRect(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter, option.iconSize, content);
+        option.icon.paint(&painter, icon, Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
+        content.setLeft(icon.right() + 1 + gap);
+    }
+    painter.drawItemText(content, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextShowMnemonic, option.palette, isEnabled(),
+                         option.text, QPalette::ButtonText);
+    if (option.state & QStyle::State_HasFocus) {
+        QStyleOptionFocusRect focus;
+        focus.initFrom(this);
+        focus.rect = style()->subElementRect(QStyle::SE_PushButtonFocusRect, &option, this);
+        painter.drawPrimitive(QStyle::PE_FrameFocusRect, focus);
+    }
 }

@@ -38,6 +38,12 @@ public:
 signals:
     void activated(int id);
 
+protected:
+    // A push button with its icon and text at the left. Painted here rather
+    // than aligned by a style sheet, which would pin the palette the button
+    // had when it was made and keep it light under the dark style.
+    void paintEvent(QPaintEvent *event) override;
+
 private slots:
     void popup();
     void triggered(QAction *action);

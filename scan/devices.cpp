@@ -360,9 +360,7 @@ void check_resolution_of_ScannerEntry(ScannerEntry *entry) {
     }
     if (r == reported) return;
     MSG_Scope(MSG_Text("scanDevices", "Invalid Resolution for model %1: %2 changed to %3.")
-                  .arg(entry->name)
-                  .arg(reported)
-                  .arg(r),
+                  .arg(entry->name, QString::number(reported), QString::number(r)),
               MSG_ACTION_LOG);
     entry->defaultResolution = r;
 }

@@ -89,9 +89,7 @@ ScanStatus generic_reserve_of_ScanDeviceInfo(ScanDeviceInfo *dev) {
     if (dev->opened) return {};
     if (!LMV_scsi_open(dev->device, &dev->scsi)) {
         report_error(MSG_Text("Scan", "Failed to initialize scanner %1 model %2 connected to %3\n")
-                         .arg(dev->name)
-                         .arg(dev->model)
-                         .arg(dev->device));
+                         .arg(dev->name, dev->model, dev->device));
         dev->opened = false;
         return {SCSI_FAILURE, STATUS_OPEN_FAILED};
     }
@@ -131,7 +129,7 @@ ScanStatus generic_inquire_of_ScanDeviceInfo(ScanDeviceInfo *dev) {
     const bool taken =
         LMV_scsi_read(dev->scsi, kInquiry.data(), kInquiry.size(), kInquiryTimeoutMs, reply.data(), kInquiryLength, &scsi);
     if (!taken || scsi != SCSI_GOOD) {
-        report_error(MSG_Text("Scan", "ScannerInquire: status %1/%2 returned\n").arg(taken ? 1 : 0).arg(scsi));
+        report_error(MSG_Text("Scan", "ScannerInquire: status %1/%2 returned\n").arg(QString::number(taken ? 1 : 0), QString::number(scsi)));
         if (scsi != SCSI_GOOD) return {scsi, STATUS_DEVICE_ERROR};
     }
     const char *name = reinterpret_cast<const char *>(reply.data() + kInquiryNameOffset);

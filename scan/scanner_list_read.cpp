@@ -2,17 +2,15 @@
 #include <QCoreApplication>
 #include <QFile>
 
-#include <algorithm>
 #include <cerrno>
-#include <cfloat>
-#include <cmath>
-#include <limits>
-#include <charconv>
 #include <climits>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
+
+#include <locale.h>
 
 #include "scan/devices.h"
 #include "scan/scanner_list.h"
@@ -36,21 +34,17 @@ void report_printf(const char *source, const QString &path) {
     MSG_Scope(MSG_Text::untranslated(text), MSG_ACTION_ERROR);
 }
 
-// Numbers read as the C library does: the longest valid prefix, 0 for none.
-// Locale independent, so that a station in another language reads "0.5".
-double to_double(const char *s) {
-    if (*s == '+') ++s;
-    double v = 0.0;
-    std::from_chars(s, s + std::strlen(s), v);
-    return v;
+// Numbers read as the C library reads them (the longest valid prefix, 0 for
+// none; hexadecimal floats, "inf", and infinity beyond the range), but in the
+// "C" locale, so that a station in another language reads "0.5".
+locale_t c_locale() {
+    static const locale_t locale = newlocale(LC_ALL_MASK, "C", locale_t(nullptr));
+    return locale;
 }
 
-// Clamped, since a double beyond the float range has no float value.
-float to_float(const char *s) {
-    const double v = to_double(s);
-    if (std::isnan(v)) return std::numeric_limits<float>::quiet_NaN();
-    return static_cast<float>(std::clamp(v, -double(FLT_MAX), double(FLT_MAX)));
-}
+double to_double(const char *s) { return strtod_l(s, nullptr, c_locale()); }
+
+float to_float(const char *s) { return strtof_l(s, nullptr, c_locale()); }
 
 int32_t to_int(const char *s, int base) {
     const long long v = std::strtoll(s, nullptr, base);
@@ -160,7 +154,7 @@ void Reader::keyword(const char *key, char *rest) {
     if (float_keyword(key, tok) || int_keyword(key, tok)) return;
     const bool known = is("gammaFile:") || is("dropOutColor:") || is("defaultPegSide:") || is("registrationStrictness:");
     if (!known) {
-        MSG_Scope(MSG_Text("Scan", "Unknown keyword '%1' in file '%2'.\n").arg(QString::fromUtf8(key)).arg(path_),
+        MSG_Scope(MSG_Text("Scan", "Unknown keyword '%1' in file '%2'.\n").arg(QString::fromUtf8(key), path_),
                   MSG_ACTION_ERROR);
         return;
     }

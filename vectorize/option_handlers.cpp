@@ -118,7 +118,7 @@ OptionOutcome parsePixelMargins(OptionCursor &c, const OptionSpec &spec) {
 OptionOutcome parseKeepPegBars(OptionCursor &, const OptionSpec &) {
     MSG_Text text(kCtx, QT_TRANSLATE_NOOP("TUPix2vecOptions",
                                           "%1 is deprecated. It is now on by default. Use %2 to remove peg bars.\n"));
-    text.arg(QStringLiteral("-keep_peg_bars")).arg(QStringLiteral("-remove_peg_bars"));
+    text.arg(QStringLiteral("-keep_peg_bars"), QStringLiteral("-remove_peg_bars"));
     return OptionOutcome::fail(text);
 }
 

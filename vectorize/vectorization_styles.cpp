@@ -69,8 +69,7 @@ std::vector<VectorizationStyle> loadVectorizationStyles(const QString &path) {
         list = readVectorizationStyles(in);
         if (!list.errors.isEmpty())
             MSG_Scope(MSG_Text(kContext, QT_TRANSLATE_NOOP("TUVectOptionsDlg", "Error(s) detected while reading %1:%2"))
-                          .arg(path)
-                          .arg(list.errors),
+                          .arg(path, list.errors),
                       MSG_ACTION_ERROR);
     }
     selectDefaultStyle(list.styles);

@@ -125,8 +125,9 @@ void apply_interface_state(ScanConfig *config, int32_t state) {
         save = config->can_save;
         break;
     case INTERFACE_PREVIEW_DONE:
-        preview = config->scanner_kind == SCANNER_SCSI;
-        scan = save = true;
+        preview = rows && config->scanner_kind == SCANNER_SCSI;
+        scan = rows;
+        save = true;
         break;
     case INTERFACE_SCANNING:
     case INTERFACE_SAVING_PANCEL: break;
@@ -298,6 +299,8 @@ void set_drawing_list_of_ScanConfig(ScanConfig *config, DrawingList *list) {
     if (config->drawing_list != list) delete config->drawing_list;
     config->drawing_list = list;
     set_can_save_of_ScanConfig(config, false);
+    // Scan and Preview follow the list: nothing to scan without one.
+    if (config->interface_state == INTERFACE_IDLE) apply_interface_state(config, INTERFACE_IDLE);
 }
 
 void set_binding_of_ScanConfig(ScanConfig *config, DatabaseBinding *binding) {

@@ -111,9 +111,7 @@ int OpticalRegisterScan(ScanConfig *config, Drawing *drawing, LMV_pixmap *pixmap
     int hp = static_cast<int>(window_yres_inches_of_Drawing(drawing) * dpi);
     if (peg_side == PEG_TOP || peg_side == PEG_BOTTOM) std::swap(wp, hp);
 
-    const double degrees = angle / 3.141592653589793 * 180.0;
-    rotate_LMV_pixmap(pixmap, static_cast<float>(degrees < 0.0 ? -degrees : 360.0 - degrees), &x, &y, 0, width - 1, 0,
-                      height - 1, nullptr);
+    rotate_LMV_pixmap(pixmap, rotation_angle_from_radians(angle), &x, &y, 0, width - 1, 0, height - 1, nullptr);
 
     // The peg strip of three quarters of an inch goes, unless asked to stay.
     const int m = qEnvironmentVariableIsSet("LMV_SCAN_KEEP_PEGS") ? 0 : static_cast<int>(dpi * -2.0 * 0.375);

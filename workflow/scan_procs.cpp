@@ -207,10 +207,10 @@ int32_t ScanOneDrawing(ScanConfig *config) {
         return SCAN_INTERNAL;
     }
     copy_parameters_to_Drawing(parameters, d);
-    LMV_trace("OPTIONS %s <%s>, %s:%d, %d dpi, %.1f field, OP:%d, pegSide:%d pancelMode:%d\n",
-              qPrintable(name_of_ScannerEntry(config->scanner)), qPrintable(model_of_ScannerEntry(config->scanner)),
-              depth_name_of_ScanConfig(config->depth), config->depth, static_cast<int>(config->dpi), config->field,
-              config->optical ? 1 : 0, config->peg_side, config->pancel ? 1 : 0);
+    LMV_log("OPTIONS %s <%s>, %s:%d, %d dpi, %.1f field, OP:%d, pegSide:%d pancelMode:%d\n",
+            qPrintable(name_of_ScannerEntry(config->scanner)), qPrintable(model_of_ScannerEntry(config->scanner)),
+            depth_name_of_ScanConfig(config->depth), config->depth, static_cast<int>(config->dpi), config->field,
+            config->optical ? 1 : 0, config->peg_side, config->pancel ? 1 : 0);
 
     DeviceSequence sequence(config, dev, d);
     int32_t result = sequence.run();
@@ -370,9 +370,9 @@ int32_t addScanToDrawing(ScanConfig *config, LMV_pixmap *pixmap, int32_t depth, 
     set_gamma_of_Drawing(d, -1.0f);
     set_speed_of_Drawing(d, -1);
     set_pixmap_of_Drawing(d, pixmap);
-    LMV_trace("OPTIONS %s:%d, %d dpi, %.1f field, OP:%d, pegSide:%d pancelMode:%d\n", depth_name_of_ScanConfig(config->depth),
-              config->depth, static_cast<int>(config->dpi), config->field, config->optical ? 1 : 0, config->peg_side,
-              config->pancel ? 1 : 0);
+    LMV_log("OPTIONS %s:%d, %d dpi, %.1f field, OP:%d, pegSide:%d pancelMode:%d\n", depth_name_of_ScanConfig(config->depth),
+            config->depth, static_cast<int>(config->dpi), config->field, config->optical ? 1 : 0, config->peg_side,
+            config->pancel ? 1 : 0);
     if (config->flip) flip_Drawing(d);
     set_drawing_of_ScanConfig(config, d, false);
     LMV_trace("Registering scan...\n");

@@ -19,6 +19,14 @@ public:
     MSG_Text &arg(long long a);
     MSG_Text &arg(int a) { return arg(static_cast<long long>(a)); }
     MSG_Text &arg(double a);
+    // Several values at once, as QString::arg takes them: a value that holds
+    // "%1" or "%2" itself is never substituted again.
+    template <typename... Rest>
+    MSG_Text &arg(const QString &a, const QString &b, const Rest &...rest) {
+        text_ = text_.arg(a, b, rest...);
+        source_ = source_.arg(a, b, rest...);
+        return *this;
+    }
 
     const QString &text() const { return text_; }
     const QString &source() const { return source_; }

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QStandardPaths>
 
+#include <pwd.h>
 #include <unistd.h>
 
 #include <utility>
@@ -30,12 +31,15 @@ QString cutAtDot(const QString &host) {
 namespace oswUtil {
 
 QString getUserName() {
-    QString user = envOr("USER", QString());
-    if (user.isEmpty()) {
-        const char *login = getlogin();
-        user = login ? QString::fromLocal8Bit(login) : QStringLiteral("unknown");
-    }
-    return user;
+    const QString user = envOr("USER", QString());
+    if (!user.isEmpty()) return user;
+    // A service or a container may start us without $USER or a login terminal.
+    std::vector<char> buffer(16384);
+    passwd entry{};
+    passwd *found = nullptr;
+    if (getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found && found->pw_name[0])
+        return QString::fromLocal8Bit(found->pw_name);
+    return QString::number(geteuid());
 }
 
 bool getShortMachineName(QString &name) {

@@ -3,7 +3,8 @@
 #include <QString>
 
 namespace oswUtil {
-// The login name of the user ($USER, else the password database, else "unknown").
+// The login name of the user: $USER, else the name of the effective user id in
+// the password database, else that id as a number.
 QString getUserName();
 // The short host name of this machine (up to the first dot). False on failure.
 bool getShortMachineName(QString &name);

@@ -175,7 +175,7 @@ TEST_F(ParamDlgTest, SpeedPresetsHoldTheSliderAndCustomFreesIt) {
     EXPECT_EQ(speed->slider()->value(), 500);
 }
 
-TEST_F(ParamDlgTest, SpeedWithoutPresetsOffersCustomOnly) {
+TEST_F(ParamDlgTest, SpeedOffersOnlyTheModesOfTheSet) {
     Standard_parameters set;
     ASSERT_TRUE(init_speed_of_Standard_parameters(&set, 5, 300, 40, "Milliseconds/Line", false, 0, false, 0, true));
     SCANAPP_DisplayParameters(&set, &dlg);
@@ -185,6 +185,17 @@ TEST_F(ParamDlgTest, SpeedWithoutPresetsOffersCustomOnly) {
     EXPECT_EQ(modes->currentIndex(), 0);
     EXPECT_TRUE(dlg.speedWidget()->slider()->isEnabled());
     EXPECT_EQ(dlg.speedWidget()->slider()->value(), 40);
+
+    // A value off the presets of a set without Custom is named, not left blank.
+    auto colour = bogus("Bogus-Color");
+    Standard_parameters *grey = grey_parameters_of_ScanDeviceInfo(colour.get());  // 10; normal, fast, no custom
+    SCANAPP_DisplayParameters(grey, &dlg);
+    EXPECT_EQ(modes->currentText(), QStringLiteral("Custom"));
+    EXPECT_FALSE(dlg.speedWidget()->slider()->isEnabled()) << "the set takes no custom value";
+    EXPECT_EQ(dlg.speedWidget()->slider()->value(), 10);
+    save_screenshot(&dlg, QStringLiteral("param_speed_off_presets"));
+    modes->setCurrentIndex(0);
+    EXPECT_EQ(grey->speed_current, 15000);
 }
 
 TEST_F(ParamDlgTest, DropColourChoiceIsWrittenAndNoChoiceStaysEmpty) {

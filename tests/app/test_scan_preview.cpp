@@ -239,9 +239,10 @@ TEST(ScanImageChartTest, ShowsAPaintedTestScannerChart) {
     TUScanImage::copyFrom(&overview, &main);
     TUScanImage::copyFrom(&preview, &main);
     save_screenshot(&window, QStringLiteral("preview_field_chart"));
-    // The overview starts at the sheet's top left corner.
-    EXPECT_EQ(scrollPosition(overview.scrollImage()), QPoint(0, 0));
-    EXPECT_EQ(overview.scrollImage()->displayedSize(), QSize(chart.width() / 4, chart.height() / 4));
+    // The overview opens on the sheet's middle row; its whole width fits.
+    const TUScrollImage *over = overview.scrollImage();
+    EXPECT_EQ(over->displayedSize(), QSize(chart.width() / 4, chart.height() / 4));
+    EXPECT_EQ(scrollPosition(over), QPoint(0, chart.height() / 8 - over->viewport()->height() / 2));
 
     EXPECT_EQ(main.scrollImage()->displayedSize(), QSize(chart.width() / 2, chart.height() / 2));
     // The chart is white on black: both show where the image lies.

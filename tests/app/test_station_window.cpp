@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QTest>
 
 #include "app/param_dlg.h"
@@ -209,6 +210,8 @@ TEST_F(StationSession, LoadFromFileRestoresTheSettingsTheFileWasScannedWith) {
     EXPECT_EQ(window_->selectionButton(SelectionButton::Peg)->text(), QStringLiteral("Left Peg"));
     EXPECT_FALSE(window_->paramDlg()->thresholdWidget()->isHidden());
     EXPECT_FALSE(window_->button(SessionButton::Save)->isEnabled());
+    EXPECT_FALSE(window_->button(SessionButton::Scan)->isEnabled()) << "the list went with the file";
+    EXPECT_FALSE(window_->button(SessionButton::Preview)->isEnabled());
     EXPECT_TRUE(hasPicture(window_->mainImage()));
     save_screenshot(window_.get(), QStringLiteral("station_loaded_file"));
 }
@@ -362,4 +365,37 @@ TEST_F(StationSession, TheAboutBoxNamesTheProgramAndItsVersion) {
     EXPECT_EQ(title, QStringLiteral("About Scan"));
     EXPECT_EQ(name, QStringLiteral("Scan"));
     EXPECT_EQ(version, QStringLiteral("Version ") + whoami::version());
+}
+
+TEST_F(StationSession, DarkStyleGoesOffAndComesBack) {
+    ASSERT_NE(start(twoScanners()), nullptr);
+    QAction *dark = nullptr;
+    for (QAction *action : window_->findChildren<QAction *>())
+        if (action->text() == QStringLiteral("Dark Style")) dark = action;
+    ASSERT_NE(dark, nullptr);
+    ASSERT_TRUE(dark->isChecked());
+    const QColor plain = QApplication::palette().color(QPalette::Window);
+    dark->setChecked(false);  // the entry point made it dark; this fixture did not
+    dark->setChecked(true);
+    EXPECT_NE(QApplication::palette().color(QPalette::Window), plain);
+    // The selection buttons follow the dark ground, and a disabled entry of
+    // their menus (240 dpi) shows no light shadow under its grey text.
+    buildList(QStringLiteral("1"));
+    save_screenshot(window_.get(), QStringLiteral("station_dark"));
+    TUMenuButton *dpiButton = window_->selectionButton(SelectionButton::Dpi);
+    EXPECT_EQ(dpiButton->palette().color(QPalette::Button), QApplication::palette().color(QPalette::Button));
+    QMenu *dpi = dpiButton->menu();
+    dpi->ensurePolished();
+    dpi->adjustSize();
+    save_screenshot(dpi, QStringLiteral("station_dark_dpi_menu"));
+    const QImage menu = dpi->grab().toImage();
+    const QRect entry = dpi->actionGeometry(dpiButton->entry(4));
+    int brightest = 0;
+    for (int y = entry.top(); y <= entry.bottom(); ++y)
+        for (int x = entry.left(); x <= entry.right(); ++x) brightest = std::max(brightest, qGray(menu.pixel(x, y)));
+    EXPECT_LT(brightest, 160);
+
+    dark->setChecked(false);
+    EXPECT_EQ(QApplication::palette().color(QPalette::Window), plain);
+    save_screenshot(window_.get(), QStringLiteral("station_plain"));
 }

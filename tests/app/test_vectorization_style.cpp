@@ -74,7 +74,8 @@ TEST_F(VectorizationStyleTest, TheWindowNamesTheChosenStyleAndQueuesItsLine) {
     QAction *action = styleAction();
     ASSERT_NE(action, nullptr);
     ASSERT_TRUE(action->isEnabled());
-    EXPECT_EQ(window_->vectorizationStyleLabel()->text(), "Vectorization Style: ");
+    EXPECT_EQ(window_->vectorizationStyleLabel()->text(), "Vectorization Style: Default Style")
+        << "the style in force is named from the start";
 
     action->trigger();
     TUVectOptionsDlg *dialog = window_->styleDialog();
@@ -89,4 +90,20 @@ TEST_F(VectorizationStyleTest, TheWindowNamesTheChosenStyleAndQueuesItsLine) {
     EXPECT_EQ(window_->vectorizationStyleLine(), "-gap 2 -no_color_art");
     EXPECT_EQ(window_->styleDialog(), dialog) << "one list per session";
     save_screenshot(window_.get(), QStringLiteral("station_vectorization_style"));
+}
+
+TEST_F(VectorizationStyleTest, AMissingStyleListIsToldOnceAtStartAndNotDuringAScan) {
+    const QString path = dir_.filePath(QStringLiteral("VectOptions.conf"));
+    ASSERT_TRUE(QFile::remove(path));
+    start(twoScanners());
+    const auto told = [this, &path] {
+        int n = 0;
+        for (const auto &report : static_cast<RecordingMessage *>(messages_->get())->shown)
+            n += report.texts.contains("Error opening file " + path);
+        return n;
+    };
+    EXPECT_EQ(told(), 1);
+    EXPECT_EQ(window_->vectorizationStyleLabel()->text(), "Vectorization Style: Default Style");
+    EXPECT_EQ(window_->vectorizationStyleLine(), " ") << "the queue line of a scan";
+    EXPECT_EQ(told(), 1);
 }

@@ -58,14 +58,14 @@ TEST_F(ConfTest, SaneStaysInTheListWithAFreshDevice) {
 }
 
 TEST_F(ConfTest, PluginColorIsTheGenericRecordAt300Only) {
-    read(block("Plugin-Color", "defaultResolution: 150\n"));
+    read(block("Plugin-Color", "defaultResolution: 150\n", "S%2"));  // a name never taken for a value
     const ScanDeviceInfo *dev = device_of_ScannerEntry(only());
     const ScannerOps fresh;
     EXPECT_TRUE(dev->ops.reserve == fresh.reserve && dev->ops.read == fresh.read && dev->ops.release == fresh.release);
     EXPECT_EQ(offered_steps(dev), "300 ");
     EXPECT_EQ(groups(dev->bw_parameters) + groups(dev->grey_parameters) + groups(dev->colour_parameters), "");
     EXPECT_EQ(defaultResolution_of_ScannerEntry(only()), 300);
-    EXPECT_EQ(logs(), Errors{"Invalid Resolution for model S: 150 changed to 300."});
+    EXPECT_EQ(logs(), Errors{"Invalid Resolution for model S%2: 150 changed to 300."});
 }
 
 TEST_F(ConfTest, OutOfRangeDefaultsAreReplacedSilentlyBySetup) {

@@ -108,7 +108,7 @@ TEST_F(ScanctlInfo, FileThatIsNotAnImageFailsButTheOthersAreShown) {
     const QString missing = file(QStringLiteral("missing.tif"));
 
     const ProcessResult r = scanctl_info({file(QStringLiteral("notes.tif")), ppm, missing});
-    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.status, 2);
     const QStringList lines = r.err.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 2) << r.err.toStdString();
     EXPECT_TRUE(lines[0].startsWith(QStringLiteral("scanctl info: %1: ").arg(file(QStringLiteral("notes.tif")))));
@@ -116,5 +116,21 @@ TEST_F(ScanctlInfo, FileThatIsNotAnImageFailsButTheOthersAreShown) {
     for (const QString &line : lines) EXPECT_GT(line.size(), line.indexOf(QStringLiteral(".tif: ")) + 6);  // a reason
     EXPECT_TRUE(r.out.contains(ppm + QStringLiteral("\n  size:    2 x 2 pixels")));
 
-    EXPECT_EQ(scanctl_info({}).status, 2);
+    EXPECT_EQ(scanctl_info({}).status, 1);
+}
+
+TEST_F(ScanctlInfo, RegisterSearchesAtTheFilesDpiCutAsTheStationCutsIt) {
+    LMV_pixmap *pixmap = create_pixmap(PIXMAP_MATTE8, 40, 30);
+    std::fill_n(matte8_data_of_pixmap(pixmap), 40 * 30, uint8_t(255));
+    Drawing *d = create_Drawing(QStringLiteral("R"), QStringLiteral("1"), dir_.path());
+    set_file_format_of_Drawing(d, 2);
+    set_peg_side_of_Drawing(d, 4);
+    set_dpi_of_Drawing(d, 150.6f);
+    set_pixmap_of_Drawing(d, pixmap);
+    ASSERT_EQ(save_Drawing(d), 0);
+    destroy_Drawing(&d);
+
+    const ProcessResult r = run_program(QStringLiteral(SCANCTL_PATH), {"register", file(QStringLiteral("R-1.tif"))});
+    EXPECT_EQ(r.status, 2) << "a blank sheet has no peg holes";
+    EXPECT_TRUE(r.out.contains(QStringLiteral("R-1.tif: peg side bottom, 150 dpi\n"))) << r.out.toStdString();
 }

@@ -56,11 +56,34 @@ TEST_F(ScanctlScanners, AllHostsReadsEveryHostOnce) {
     EXPECT_TRUE(r.err.contains(QStringLiteral("defaultBrightness should be > 0 or less than 255.\n")));
 }
 
-TEST_F(ScanctlScanners, UnreadableFileAndBadArgumentsFail) {
-    EXPECT_EQ(scanctl({QStringLiteral("scanners"), dir_.filePath(QStringLiteral("none.conf"))}).status, 1);
-    EXPECT_EQ(scanctl({QStringLiteral("scanners"), dir_.path()}).status, 1);
-    EXPECT_EQ(scanctl({QStringLiteral("scanners"), QStringLiteral("--colour")}).status, 2);
-    EXPECT_EQ(scanctl({QStringLiteral("frobnicate")}).status, 2);
+// One rule for every command: 1 when the words are wrong, 2 when what they
+// ask is refused or fails.
+TEST_F(ScanctlScanners, EveryCommandTellsUsageErrorsFromRefusals) {
+    const QString missing = dir_.filePath(QStringLiteral("none.conf"));
+    const QList<std::pair<QStringList, int>> cases = {
+        {{}, 1},
+        {{"frobnicate"}, 1},
+        {{"scanners", "--colour"}, 1},
+        {{"scanners", missing}, 2},
+        {{"scanners", dir_.path()}, 2},
+        {{"info"}, 1},
+        {{"info", missing}, 2},
+        {{"register"}, 1},
+        {{"register", missing}, 2},
+        {{"options"}, 1},
+        {{"options", "--help", "nosuch"}, 1},
+        {{"options", "-nosuch_option"}, 2},
+        {{"scan", "--list", "1"}, 1},
+        {{"db", "frobnicate"}, 1},
+        {{"queue", "frobnicate"}, 1},
+    };
+    for (const auto &[args, status] : cases)
+        EXPECT_EQ(scanctl(args).status, status) << args.join(' ').toStdString();
+
+    // The reader says itself what it could not read.
+    EXPECT_EQ(scanctl({QStringLiteral("scanners"), missing}).err, "Failed to open config file: " + missing + "\n");
+    EXPECT_EQ(scanctl({QStringLiteral("scanners"), dir_.path()}).err,
+              "Error detected while reading config file: " + dir_.path() + "\n");
     const ProcessResult help = scanctl({QStringLiteral("--help")});
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(help.out.contains(QStringLiteral("scanners [--host NAME] [--all-hosts] [FILE]")));

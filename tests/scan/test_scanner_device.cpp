@@ -112,10 +112,11 @@ TEST_F(DeviceTest, ReserveFailuresAndRefusals) {
     capture.clear();
     dev_.device = QStringLiteral("sim:no such scanner");
     release_ScanDevice(&dev_);
+    dev_.name = QStringLiteral("Desk %2");  // a name never taken for a value
     EXPECT_EQ(reserve_ScanDevice(&dev_), scan_status(SCSI_FAILURE, STATUS_OPEN_FAILED));
     EXPECT_FALSE(dev_.opened || dev_.reserved);
     EXPECT_EQ(dev_.scsi, nullptr);
-    EXPECT_EQ(capture.errors(), std::vector<std::string>{"Failed to initialize scanner Desk 2 model Fujitsu_M3096G "
+    EXPECT_EQ(capture.errors(), std::vector<std::string>{"Failed to initialize scanner Desk %2 model Fujitsu_M3096G "
                                                          "connected to sim:no such scanner"});
 }
 

@@ -1,5 +1,7 @@
 #include <QDir>
 
+#include <limits>
+
 #include <gtest/gtest.h>
 
 #include "conf_fixture.h"
@@ -54,10 +56,11 @@ TEST_F(ConfTest, NameKeepsATabButLosesItsBlanks) {
 }
 
 TEST_F(ConfTest, KeywordsAreCaseSensitive) {
-    read(block("Bogus-Color", "DefaultThreshold: 12\nNAME: other\n"));
+    read(block("Bogus-Color", "DefaultThreshold: 12\nNAME: other\nodd%2%1:\n"));
     const std::string p = path();
     EXPECT_EQ(errors(), (Errors{"Unknown keyword 'DefaultThreshold:' in file '" + p + "'.\n",
-                                "Unknown keyword 'NAME:' in file '" + p + "'.\n"}));
+                                "Unknown keyword 'NAME:' in file '" + p + "'.\n",
+                                "Unknown keyword 'odd%2%1:' in file '" + p + "'.\n"}));
     EXPECT_EQ(name_of_ScannerEntry(only()), "S");
 }
 
@@ -69,8 +72,10 @@ TEST_F(ConfTest, RefusedModelLosesItsWholeBlockSilently) {
 }
 
 TEST_F(ConfTest, FloatChecksKeepOrReplaceTheValue) {
-    read(block("Bogus-Color", "defaultGamma: 0\npegPitch: -2\npegSideCleanSize: 0\nSide1CleanSize: 1.5\n"
-                              "oppositeSideCleanSize: 3\nSide3CleanSize: -1\nxScaleAdjustment: 0\n"
+    // Numbers read as the C library reads them: a hexadecimal float, and
+    // infinity for a value beyond the range.
+    read(block("Bogus-Color", "defaultGamma: 0\npegPitch: -2\npegSideCleanSize: 0\nSide1CleanSize: 0x1.8p0\n"
+                              "oppositeSideCleanSize: 1e999\nSide3CleanSize: -1\nxScaleAdjustment: 0\n"
                               "yScaleAdjustment: 1.01\nleftOffset: -0.5\n"));
     const std::string p = path();
     EXPECT_EQ(errors(), (Errors{"Config file " + p + ": defaultGamma should be > 0.0.\n",
@@ -84,7 +89,7 @@ TEST_F(ConfTest, FloatChecksKeepOrReplaceTheValue) {
     EXPECT_FLOAT_EQ(pegPitch_of_ScannerEntry(e), -2.0f);  // reported, kept
     EXPECT_FLOAT_EQ(cleanSize_of_ScannerEntry(e, 0), 0.0f);
     EXPECT_FLOAT_EQ(cleanSize_of_ScannerEntry(e, 1), 1.5f);
-    EXPECT_FLOAT_EQ(cleanSize_of_ScannerEntry(e, 2), 3.0f);
+    EXPECT_EQ(cleanSize_of_ScannerEntry(e, 2), std::numeric_limits<float>::infinity());
     EXPECT_FLOAT_EQ(cleanSize_of_ScannerEntry(e, 3), -1.0f);
     EXPECT_DOUBLE_EQ(xScaleAdjustment_of_ScannerEntry(e), 1.0);
     EXPECT_DOUBLE_EQ(yScaleAdjustment_of_ScannerEntry(e), 1.01);

@@ -4,6 +4,8 @@
 
 #include <QImage>
 
+#include <algorithm>
+
 #include "scan/drawing.h"
 #include "scan/pixmap_pixmap.h"
 #include "scan/scanner_list.h"
@@ -62,6 +64,11 @@ TEST_F(LoopTest, PeggedManyScansTheWholeListToFilesWithScanInformation) {
     EXPECT_FALSE(window_.buttonEnabled(SessionButton::Save));
     EXPECT_EQ(window_.lastScanned, "Last Scanned: T-7b");
     EXPECT_EQ(interface_state_of_ScanConfig(c), INTERFACE_IDLE);
+    // Each drawing's settings reach the log, debug mode or not.
+    const std::vector<std::string> logged = capture_.texts('I');
+    EXPECT_EQ(std::count(logged.begin(), logged.end(),
+                         "OPTIONS Test <Bogus-Color>, Colour:2, 72 dpi, 12.0 field, OP:0, pegSide:1 pancelMode:0"),
+              3);
 
     QString info;
     Drawing *d = load_Drawing(dir_.filePath("T-2.tif"), info);

@@ -50,7 +50,7 @@ TEST_F(ScanctlScan, ColourDrawingsReadBackWithTheirScanInformation) {
     EXPECT_EQ(files().size(), 6);
 
     QStringList paths;
-    for (int i = 1; i <= 3; ++i) paths << QStringLiteral("%1/S-%2.tif").arg(scans_).arg(i);
+    for (int i = 1; i <= 3; ++i) paths << QStringLiteral("%1/S-%2.tif").arg(scans_, QString::number(i));
     const ProcessResult info = scanctl(QStringList{"info"} + paths);
     ASSERT_EQ(info.status, 0) << info.err.toStdString();
     for (const char *line : {"    dpi:               150\n", "    scanner name:      Test\n",
@@ -58,27 +58,31 @@ TEST_F(ScanctlScan, ColourDrawingsReadBackWithTheirScanInformation) {
         EXPECT_EQ(info.out.count(line), 3) << line;
 }
 
-TEST_F(ScanctlScan, WordsTheScannerCannotFollowAreUsageErrors) {
-    const QList<QStringList> wrong = {
-        {"--depth", "sepia"},
-        {"--scanner", "Nobody"},
-        {"--dpi", "240"},                              // Bogus-Color has no 240 dpi step
-        {"--scanner", "Flat Bed", "--feed", "autofeed"},  // no feeder
-        {"--feed", "page"},                            // TWAIN sources only
-        {"--on-misfeed", "maybe"},
+TEST_F(ScanctlScan, WrongWordsAreUsageErrorsAndWhatTheScannerCannotDoIsRefused) {
+    const QStringList folder{"scan", "--conf", conf_, "--path", scans_, "--prefix", "S"};
+    const QList<std::pair<QStringList, int>> cases = {
+        {folder + QStringList{"--list", "1", "--depth", "sepia"}, 1},
+        {folder + QStringList{"--list", "1", "--on-misfeed", "maybe"}, 1},
+        {folder, 1},                                                         // no list
+        {folder + QStringList{"--list", "a:3"}, 1},
+        {{"scan", "--conf", conf_, "--path", scans_, "--list", "1"}, 1},     // no prefix
+        {{"scan", "--conf", conf_, "--prefix", "S", "--list", "1"}, 1},      // no folder
+        {folder + QStringList{"--list", "1", "--scanner", "Nobody"}, 2},
+        {folder + QStringList{"--list", "1", "--dpi", "240"}, 2},            // Bogus-Color has no 240 dpi step
+        {folder + QStringList{"--list", "1", "--scanner", "Flat Bed", "--feed", "autofeed"}, 2},  // no feeder
+        {folder + QStringList{"--list", "1", "--feed", "page"}, 2},          // TWAIN sources only
+        {{"scan", "--conf", conf_, "--path", dir_.filePath("missing"), "--prefix", "S", "--list", "1"}, 2},
     };
-    for (const QStringList &words : wrong) {
-        const ProcessResult r = scan(words, "1");
-        EXPECT_EQ(r.status, 1) << words.join(' ').toStdString();
-        EXPECT_TRUE(r.err.contains("usage: scanctl scan")) << words.join(' ').toStdString();
+    for (const auto &[words, status] : cases) {
+        const ProcessResult r = scanctl(words);
+        EXPECT_EQ(r.status, status) << words.join(' ').toStdString();
+        EXPECT_EQ(r.err.contains("usage: scanctl scan"), status == 1) << words.join(' ').toStdString();
     }
-    EXPECT_EQ(scanctl({"scan", "--conf", conf_, "--path", scans_}).status, 1) << "no list";
-    EXPECT_EQ(scan({}, "a:3").status, 1);
-    EXPECT_EQ(scanctl({"scan", "--conf", conf_, "--path", dir_.filePath("missing"), "--list", "1"}).status, 1);
     EXPECT_TRUE(files().isEmpty());
+    EXPECT_EQ(QDir(dir_.path()).entryList({"*.tif"}), QStringList());
 }
 
-TEST_F(ScanctlScan, AnEmptyFeederEndsTheListEarly) {
+TEST_F(ScanctlScan, ListsThatEndEarlyTellWhatWasNotScannedAndWhatNotReached) {
     QFile count(dir_.filePath(QStringLiteral("ADF_COUNT_FILE")));
     ASSERT_TRUE(count.open(QIODevice::WriteOnly));
     count.write("1\n");
@@ -90,6 +94,15 @@ TEST_F(ScanctlScan, AnEmptyFeederEndsTheListEarly) {
         EXPECT_TRUE(r.err.contains("Autofeed Error: Drawing misfed or not found. -> Stop Scanning")) << policy;
     }
     EXPECT_EQ(files(), QStringList{"S-1.tif"});
+
+    // A save that fails counts its drawing as not scanned: a folder stands
+    // where the file would go.
+    ASSERT_TRUE(QDir(scans_).mkdir("S-5.tif"));
+    const ProcessResult r = scan({"--dpi", "72", "--feed", "pegged-many", "--no-optical"}, "5 6");
+    EXPECT_EQ(r.status, 2);
+    EXPECT_TRUE(r.err.contains(QStringLiteral("Scanned 0 of 2 drawings into %1 (1 not scanned, 1 not reached).")
+                                   .arg(scans_)))
+        << r.err.toStdString();
 }
 
 // The value after `label` on its line of a scanctl output.
@@ -129,7 +142,7 @@ TEST_F(ScanctlScan, OpticalScansKeepTheirTurnAndRegisterAgainFromTheFile) {
     EXPECT_TRUE(traced.err.contains("Performing optical registration. Looseness factor is 2.000000\n"));
     EXPECT_TRUE(traced.out.contains("Found a center peg candidate at: ("));
     EXPECT_EQ(scanctl({"register", bw, "--threshold", "300"}).status, 1);
-    EXPECT_EQ(scanctl({"register", dir_.filePath("none.tif")}).status, 1);
+    EXPECT_EQ(scanctl({"register", dir_.filePath("none.tif")}).status, 2);
 }
 
 }  // namespace

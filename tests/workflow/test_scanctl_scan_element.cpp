@@ -102,25 +102,31 @@ TEST_F(ScanctlScanElement, DrawingsLandInTheElementFolderMarkedAndQueued) {
     EXPECT_EQ(drawings, (QStringList{"1", "2", "3", "4"}));
 
     const ProcessResult none = scan({"--job", "J", "--scene", "S1", "--element", "E", "--unscanned"});
-    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.status, 2);
     EXPECT_TRUE(none.err.contains("element 'E' has no unscanned drawings")) << none.err.toStdString();
 }
 
-TEST_F(ScanctlScanElement, UnknownNamesAndWrongWordsAreUsageErrors) {
-    const QList<std::pair<QStringList, const char *>> wrong = {
-        {{"--job", "X", "--scene", "S1", "--element", "E", "--drawings", "1"}, "no job 'X'"},
-        {{"--job", "J", "--scene", "X", "--element", "E", "--drawings", "1"}, "no scene 'X' in job 'J'"},
-        {{"--job", "J", "--scene", "S1", "--element", "X", "--drawings", "1"}, "no element 'X' in scene 'S1'"},
-        {{"--job", "J", "--scene", "S1", "--element", "E"}, "give either --drawings or --unscanned"},
-        {{"--job", "J", "--element", "E", "--drawings", "1"}, "go together"},
-        {{"--job", "J", "--scene", "S1", "--element", "E", "--drawings", "1", "--depth", "grey"},
-         "not scanned at that depth"},
-        {{"--job", "J", "--scene", "S1", "--element", "E", "--drawings", "1", "--path", "."}, "--path"},
+TEST_F(ScanctlScanElement, WrongWordsAreUsageErrorsAndUnknownNamesAreRefused) {
+    struct Case {
+        QStringList words;
+        const char *text;
+        int status;
     };
-    for (const auto &[words, text] : wrong) {
-        const ProcessResult r = scan(words);
-        EXPECT_EQ(r.status, 1) << words.join(' ').toStdString();
-        EXPECT_TRUE(r.err.contains(text)) << r.err.toStdString();
+    const QList<Case> wrong = {
+        {{"--job", "X", "--scene", "S1", "--element", "E", "--drawings", "1"}, "no job 'X'", 2},
+        {{"--job", "J", "--scene", "X", "--element", "E", "--drawings", "1"}, "no scene 'X' in job 'J'", 2},
+        {{"--job", "J", "--scene", "S1", "--element", "X", "--drawings", "1"}, "no element 'X' in scene 'S1'", 2},
+        {{"--job", "J", "--scene", "S1", "--element", "E"}, "give either --drawings or --unscanned", 1},
+        {{"--job", "J", "--element", "E", "--drawings", "1"}, "go together", 1},
+        {{"--job", "J", "--scene", "S1", "--element", "E", "--drawings", "1", "--depth", "grey"},
+         "not scanned at that depth", 2},
+        {{"--job", "J", "--scene", "S1", "--element", "E", "--drawings", "1", "--path", "."}, "--path", 1},
+        {{"--job", "J", "--scene", "S1", "--element", "E", "--drawings", "a:3"}, "a:3", 1},
+    };
+    for (const Case &c : wrong) {
+        const ProcessResult r = scan(c.words);
+        EXPECT_EQ(r.status, c.status) << c.words.join(' ').toStdString();
+        EXPECT_TRUE(r.err.contains(c.text)) << r.err.toStdString();
     }
     EXPECT_TRUE(QDir(dir_.filePath("scene1/E")).isEmpty());
 }

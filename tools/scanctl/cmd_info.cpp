@@ -18,7 +18,7 @@ constexpr const char *kUsage =
     "usage: scanctl info FILE...\n"
     "  Reads each FILE as the station loads a scan and shows its size, pixel kind,\n"
     "  file format and scan information. A file that can't be read is reported on\n"
-    "  standard error and the exit status is 1.\n";
+    "  standard error and the exit status is 2 (1 for a usage error).\n";
 
 const char *kind_name(int32_t kind) {
     switch (kind) {
@@ -34,7 +34,7 @@ QString format_text(const CELIO_FileInfo &info) {
     QStringList parts{info.container};
     if (!info.compression.isEmpty()) parts << info.compression;
     const auto count = [](int n, const char *unit) {
-        return QStringLiteral("%1 %2%3").arg(n).arg(QLatin1String(unit)).arg(n == 1 ? QString() : QStringLiteral("s"));
+        return QStringLiteral("%1 %2%3").arg(QString::number(n), QLatin1String(unit), n == 1 ? QString() : QStringLiteral("s"));
     };
     parts << count(info.bitsPerSample, "bit") + QStringLiteral(" x ") + count(info.samplesPerPixel, "sample");
     if (!info.photometric.isEmpty()) parts << info.photometric;
@@ -108,7 +108,7 @@ bool describe(const QString &path, QTextStream &out, MessageCollector &messages)
 int run_info_command(const QStringList &args) {
     if (args.isEmpty() || args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h"))) {
         std::fputs(kUsage, args.isEmpty() ? stderr : stdout);
-        return args.isEmpty() ? 2 : 0;
+        return args.isEmpty() ? 1 : 0;
     }
     QTextStream out(stdout);
     MessageCollector messages;
@@ -117,5 +117,5 @@ int run_info_command(const QStringList &args) {
         allRead = describe(path, out, messages) && allRead;
         out.flush();
     }
-    return allRead ? 0 : 1;
+    return allRead ? 0 : 2;
 }

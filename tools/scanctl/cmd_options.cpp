@@ -20,14 +20,14 @@ int run_options_command(const QStringList &argsIn) {
     QStringList args = argsIn;
     if (args.isEmpty()) {
         printUsage(stderr);
-        return 2;
+        return 1;
     }
     TUPix2vecOptions options;
     if (args.first() == QLatin1String("--help") || args.first() == QLatin1String("-h")) {
         const int mask = args.size() > 1 ? pix2vecHelpSectionMask(args.at(1)) : HELP_ALL;
         if (!mask) {
             printUsage(stderr);
-            return 2;
+            return 1;
         }
         std::fputs(options.helpText(mask).toLocal8Bit().constData(), stdout);
         return 0;
@@ -38,7 +38,7 @@ int run_options_command(const QStringList &argsIn) {
     TUMessage::instance()->setSilent(true);
     if (!options.parseOptionLine(args.join(QLatin1Char(' ')), true)) {
         std::fputs(options.lastError.toLocal8Bit().constData(), stderr);
-        return 1;
+        return 2;
     }
     const QString line = styleLine ? options.styleLine(true)
                                    : options.optionLine(true, true, true, true, true, true, true, true, true);

@@ -3,7 +3,6 @@
 // the sheet is turned.
 #include <QTextStream>
 
-#include <cmath>
 #include <cstdio>
 #include <numbers>
 #include <optional>
@@ -26,7 +25,8 @@ constexpr const char *kUsage =
     "  The peg side, dpi and threshold (a level 1 to 255; 0 means half way) come from\n"
     "  the file's scan information unless given. --round-holes searches for three round\n"
     "  holes; --rdebug prints the traces of the search.\n"
-    "  Exit status: 0 registered, 2 no registration found, 1 usage error or unreadable file.\n";
+    "  Exit status: 0 registered, 1 usage error, 2 no registration found or a file\n"
+    "  that can't be read.\n";
 
 struct RegisterArguments {
     QString file;
@@ -89,7 +89,8 @@ LMV_scaninfo scaninfo_of_text(const QString &text) {
 
 int registered(const RegisterArguments &a, Drawing *drawing, const LMV_scaninfo &info) {
     const int peg_side = a.side.value_or(info.peg_side);
-    const int dpi = a.dpi.value_or(static_cast<int>(std::lround(info.dpi)));
+    // Truncated, as the station turns a drawing's dpi into the search's.
+    const int dpi = a.dpi.value_or(static_cast<int>(info.dpi));
     if (dpi <= 0) {
         std::fprintf(stderr, "scanctl register: %s has no dpi in its scan information; give --dpi\n",
                      a.file.toLocal8Bit().constData());
@@ -135,7 +136,7 @@ int run_register_command(const QStringList &args) {
     if (!drawing) {
         std::fprintf(stderr, "scanctl register: %s: %s\n", a->file.toLocal8Bit().constData(),
                      load_failure_reason(messages).toLocal8Bit().constData());
-        return 1;
+        return 2;
     }
     const int status = registered(*a, drawing, scaninfo_of_text(text));
     destroy_Drawing(&drawing);

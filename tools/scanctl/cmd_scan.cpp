@@ -5,12 +5,14 @@
 // the list is done.
 #include <QDir>
 #include <QFileInfo>
+#include <QSet>
 
 #include <cstdio>
 #include <functional>
 
 #include "scan/scanner_list.h"
 #include "suite/base/osw_util.h"
+#include "suite/base/tumessage.h"
 #include "suite/db/drawing_selection_data.h"
 #include "suite/db/sql_db_access.h"
 #include "tools/scanctl/command.h"
@@ -73,6 +75,12 @@ int usage_error(const QString &text) {
     return 1;
 }
 
+// The words were right, but this station can't do what they ask.
+int refused(const QString &text) {
+    say(QStringLiteral("scanctl scan: %1").arg(text));
+    return 2;
+}
+
 // The scanner the words name, as the scanner menu would select it.
 bool choose_scanner(ScanConfig *config, const QString &name, QString &error) {
     if (name.isEmpty()) return true;  // the session selected the first already
@@ -107,7 +115,7 @@ bool apply_settings(ScanConfig *config, const ScanArguments &a, QString &error) 
     }
     if (a.dpi) {
         if (!resolution_step_of_ScanDeviceInfo(dev, resolution_step_index(*a.dpi))) {
-            error = QStringLiteral("scanner '%1' does not offer %2 dpi").arg(scanner).arg(*a.dpi);
+            error = QStringLiteral("scanner '%1' does not offer %2 dpi").arg(scanner, QString::number(*a.dpi));
             return false;
         }
         set_dpi_of_ScanConfig(config, static_cast<uint32_t>(*a.dpi));
@@ -164,20 +172,39 @@ void press_scan_until_done(ScanConfig *config) {
     }
 }
 
-int summary(ScanConfig *config, const QString &folder) {
+// The rows on which the scan loop reported a failure (a save that failed, a
+// device that gave up): they were reached, even though the loop leaves their
+// text as it was.
+class FailedRows {
+public:
+    explicit FailedRows(const ScriptedListView &list) {
+        id_ = TUMessage::instance()->attachView([this, &list](char type, const QString &, const QString &) {
+            if (type == 'E' && list.currentRow() >= 0) rows_.insert(list.currentRow());
+        });
+    }
+    ~FailedRows() { TUMessage::instance()->detachView(id_); }
+    FailedRows(const FailedRows &) = delete;
+    FailedRows &operator=(const FailedRows &) = delete;
+    bool contains(int row) const { return rows_.contains(row); }
+
+private:
+    int id_ = 0;
+    QSet<int> rows_;
+};
+
+int summary(ScanConfig *config, const QString &folder, const FailedRows &failed) {
     const DrawingList *list = drawing_list_of_ScanConfig(config);
-    int scanned = 0, skipped = 0;
+    int scanned = 0, notScanned = 0;
     for (int32_t row = 0; row < count_of_DrawingList(list); ++row) {
-        scanned += state_of_DrawingList(list, row) == ROW_SCANNED;
-        skipped += state_of_DrawingList(list, row) == ROW_NOT_SCANNED;
+        const int32_t state = state_of_DrawingList(list, row);
+        scanned += state == ROW_SCANNED;
+        notScanned += state == ROW_NOT_SCANNED || (state != ROW_SCANNED && failed.contains(row));
     }
     const int total = count_of_DrawingList(list);
     say(QStringLiteral("Scanned %1 of %2 drawings into %3 (%4 not scanned, %5 not reached).")
-            .arg(scanned)
-            .arg(total)
-            .arg(QDir::toNativeSeparators(QFileInfo(folder).absoluteFilePath()))
-            .arg(skipped)
-            .arg(total - scanned - skipped));
+            .arg(QString::number(scanned), QString::number(total),
+                 QDir::toNativeSeparators(QFileInfo(folder).absoluteFilePath()), QString::number(notScanned),
+                 QString::number(total - scanned - notScanned)));
     return scanned == total ? 0 : 2;
 }
 
@@ -195,26 +222,27 @@ int run_session(const ScanArguments &a, CommandLineWindow &window, const ListBui
     const QString conf =
         a.conf.isEmpty() ? oswRemapPath::RemapPath2(oswUtil::LMVEtc() + QStringLiteral("/Scan.conf")) : a.conf;
     ScanConfig *config = ScanConfigCreate(conf, &window);
-    if (!config) return 1;
+    if (!config) return refused(QStringLiteral("no session on %1").arg(conf));
     struct Destroy {
         ScanConfig *config;
         ~Destroy() { ScanConfigDestroy(config); }
     } destroy{config};
     if (scanner_count_of_ScanConfig(config) == 0)
-        return usage_error(QStringLiteral("%1 gives this station no scanner").arg(conf));
+        return refused(QStringLiteral("%1 gives this station no scanner").arg(conf));
     QString error;
     if (!choose_scanner(config, a.scanner, error) || !build(config, error) || !apply_settings(config, a, error))
-        return usage_error(error);
+        return refused(error);
 
     const bool intoElement = database_of_ScanConfig(config);
     if (intoElement && !binding_fits_depth(binding_of_ScanConfig(config), depth_of_ScanConfig(config)))
-        return usage_error(QStringLiteral("no scanner of this station scans the drawings of element '%1'").arg(a.element));
+        return refused(QStringLiteral("no scanner of this station scans the drawings of element '%1'").arg(a.element));
     const QString folder = intoElement ? path_of_DatabaseBinding(binding_of_ScanConfig(config)) : a.path;
     say(QStringLiteral("Scanning %1 drawings with %2: %3")
-            .arg(count_of_DrawingList(drawing_list_of_ScanConfig(config)))
-            .arg(scanner_name_of_ScanConfig(config), summary_of_ScanConfig(config)));
+            .arg(QString::number(count_of_DrawingList(drawing_list_of_ScanConfig(config))),
+                 scanner_name_of_ScanConfig(config), summary_of_ScanConfig(config)));
+    const FailedRows failed(window.list);
     press_scan_until_done(config);
-    return summary(config, folder);
+    return summary(config, folder, failed);
 }
 
 // Job, scene and element as the database selector chooses them.
@@ -249,11 +277,9 @@ bool element_drawings(SqlDbAccess &db, const ScanArguments &a, QStringList &name
 int scan_into_element(const ScanArguments &a) {
     SqlDbAccess db(a.db);
     db.dba_Initialize2dSystem(QStringLiteral("Scan"));
-    if (db.dba_Open2dDatabaseSession() == -1) {
-        say(QStringLiteral("scanctl scan: cannot open the production database %1: %2")
-                .arg(db.connectionString(), db.lastError()));
-        return 1;
-    }
+    if (db.dba_Open2dDatabaseSession() == -1)
+        return refused(QStringLiteral("cannot open the production database %1: %2")
+                           .arg(db.connectionString(), db.lastError()));
     CommandLineWindow window;
     window.databaseAccess = &db;
     window.manualList = false;
@@ -288,11 +314,13 @@ int run_scan_command(const QStringList &args) {
         std::fputs(kScanUsage, stdout);
         return 0;
     }
+    // A list that does not read is a usage error, found before anything is opened.
+    QStringList names;
+    if (!a->unscanned && !list_names(a->intoDatabase() ? a->drawings : a->list, names, error))
+        return usage_error(error);
     if (a->intoDatabase()) return scan_into_element(*a);
 
-    if (!QFileInfo(a->path).isDir()) return usage_error(QStringLiteral("Path \"%1\" does not exist.").arg(a->path));
-    QStringList names;
-    if (!list_names(a->list, names, error)) return usage_error(error);
+    if (!QFileInfo(a->path).isDir()) return refused(QStringLiteral("Path \"%1\" does not exist.").arg(a->path));
     CommandLineWindow window;
     window.manualPath = a->path;
     window.manualPrefix = a->prefix;

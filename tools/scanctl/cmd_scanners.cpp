@@ -21,7 +21,8 @@ constexpr const char *kUsage =
     "  Reads FILE (default: the station's Scan.conf) as the station does and shows\n"
     "  each scanner of this machine. The reader's messages go to standard error.\n"
     "  --host NAME   read the blocks of another machine\n"
-    "  --all-hosts   read the blocks of every host of the file, one after the other\n";
+    "  --all-hosts   read the blocks of every host of the file, one after the other\n"
+    "  Exit status: 0 done, 1 usage error, 2 the file could not be read.\n";
 
 // The reader's messages, worded as the operator would see them, on standard error.
 class StderrMessages {
@@ -216,21 +217,21 @@ int run_scanners_command(const QStringList &args) {
             path = a;
         } else {
             std::fprintf(stderr, "scanctl scanners: unexpected argument '%s'\n%s", a.toLocal8Bit().constData(), kUsage);
-            return 2;
+            return 1;
         }
     }
     if (path.isEmpty()) path = oswRemapPath::RemapPath2(oswUtil::LMVEtc() + QStringLiteral("/Scan.conf"));
 
-    // The reader never fails, so a file that can't be read is caught here.
-    const QFileInfo info(path);
+    StderrMessages messages;
+    // The reader never fails: it says itself what it could not read, and the
+    // command fails after it.
     QFile probe(path);
-    if (!info.isFile() || !probe.open(QIODevice::ReadOnly)) {
-        std::fprintf(stderr, "scanctl scanners: cannot read %s\n", path.toLocal8Bit().constData());
-        return 1;
+    if (!QFileInfo(path).isFile() || !probe.open(QIODevice::ReadOnly)) {
+        read_ScannerList(path, true, host);
+        return 2;
     }
     probe.close();
 
-    StderrMessages messages;
     QTextStream out(stdout);
     if (!allHosts) {
         print_list(out, read_ScannerList(path, true, host).get());

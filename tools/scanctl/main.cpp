@@ -14,7 +14,7 @@ std::span<const ScanctlCommand> scanctl_commands() {
          run_info_command},
         {"scan",
          "[--conf FILE] [--scanner NAME] [--depth D] [--dpi N] [--field F] [--peg SIDE] [--feed MODE] "
-         "[--optical|--no-optical] [--flip] [--scaninfo-files] [--path DIR] [--prefix P] --list LIST "
+         "[--optical|--no-optical] [--flip] [--scaninfo-files] --path DIR --prefix P --list LIST "
          "[--on-misfeed A] [--on-register-failure A] | --job J --scene S --element E "
          "(--drawings LIST | --unscanned) [--db URL] ...",
          "scan a list of drawings as the station does, without a window, into a folder or an element of the "
@@ -36,7 +36,8 @@ std::span<const ScanctlCommand> scanctl_commands() {
 namespace {
 
 void print_help(std::FILE *out) {
-    std::fprintf(out, "usage: scanctl COMMAND [ARGS]\n       scanctl COMMAND --help\n\ncommands:\n");
+    std::fprintf(out, "usage: scanctl COMMAND [ARGS]\n       scanctl COMMAND --help\n\n"
+                      "Exit status: 0 done, 1 usage error, 2 refused or failed.\n\ncommands:\n");
     for (const ScanctlCommand &c : scanctl_commands())
         std::fprintf(out, "  %.*s %.*s\n      %.*s\n", int(c.name.size()), c.name.data(), int(c.synopsis.size()),
                      c.synopsis.data(), int(c.summary.size()), c.summary.data());
@@ -49,7 +50,7 @@ int main(int argc, char **argv) {
     QStringList args = app.arguments().mid(1);
     if (args.isEmpty()) {
         print_help(stderr);
-        return 2;
+        return 1;
     }
     const QString name = args.takeFirst();
     if (name == QLatin1String("--help") || name == QLatin1String("-h") || name == QLatin1String("help")) {
@@ -60,5 +61,5 @@ int main(int argc, char **argv) {
         if (name.toStdString() == c.name) return c.run(args);
     std::fprintf(stderr, "scanctl: unknown command '%s'\n\n", name.toLocal8Bit().constData());
     print_help(stderr);
-    return 2;
+    return 1;
 }

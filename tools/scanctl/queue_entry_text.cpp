@@ -30,16 +30,17 @@ QString queue_entry_line(const dba_queueEntry_struct &e) {
 QString queue_entry_details(const dba_queueEntry_struct &e) {
     QString text;
     const auto line = [&text](const char *label, const QString &value) {
-        text += QStringLiteral("  %1 %2\n").arg(QLatin1String(label), -13).arg(value);
+        text += QStringLiteral("  %1 %2\n").arg(QString::fromLatin1(label).leftJustified(13), value);
     };
     text += QStringLiteral("entry %1\n").arg(e.id);
     line("state:", dba_queueStateName(e.state));
     line("environment:", e.environment);
     line("job:", e.jobName);
-    line("scene:", QStringLiteral("%1 (id %2, version %3)").arg(e.sceneName).arg(e.sceneId).arg(e.sceneVersion));
-    line("element:", QStringLiteral("%1 (id %2)").arg(e.elementName).arg(e.elementId));
+    line("scene:", QStringLiteral("%1 (id %2, version %3)")
+                           .arg(e.sceneName, QString::number(e.sceneId), QString::number(e.sceneVersion)));
+    line("element:", QStringLiteral("%1 (id %2)").arg(e.elementName, QString::number(e.elementId)));
     line("drawing:", e.drawing);
-    line("process:", QStringLiteral("%1 (%2)").arg(queue_process_word(e.process)).arg(e.process));
+    line("process:", QStringLiteral("%1 (%2)").arg(queue_process_word(e.process), QString::number(e.process)));
     line("options:", e.options);
     line("active:", QString::number(e.active));
     line("created:", time_text(e.createdAt));

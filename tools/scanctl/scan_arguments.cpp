@@ -11,7 +11,7 @@ const char *const kScanUsage =
     "                    [--field 12|16] [--peg left|top|right|bottom]\n"
     "                    [--feed autofeed|autofeed-one|pegged|pegged-many|page|pancel]\n"
     "                    [--optical | --no-optical] [--flip] [--scaninfo-files]\n"
-    "                    [--path DIR] [--prefix P] --list \"1:10 12 7b\"\n"
+    "                    --path DIR --prefix P --list \"1:10 12 7b\"\n"
     "                    [--on-misfeed retry|stop] [--on-register-failure retry|skip|stop]\n"
     "  Scans a list of drawings as the station does, without a window. Each row of\n"
     "  the list is shown on standard error as it changes, then a summary. Settings\n"
@@ -25,7 +25,8 @@ const char *const kScanUsage =
     "  exposes that were never scanned. The element's scan type gives the depth and\n"
     "  its field chart the field. The database is --db (a SQLite file or a\n"
     "  postgresql:// address), else $SCAN_DB, else the embedded default.\n"
-    "  Exit status: 0 every drawing scanned, 2 the list ended early, 1 usage error.\n";
+    "  Exit status: 0 every drawing scanned, 1 usage error, 2 the list ended early\n"
+    "  or was refused.\n";
 
 namespace {
 
@@ -67,7 +68,7 @@ std::optional<ScanArguments> parse_scan_arguments(const QStringList &args, QStri
                                                                    {"skip", RegistrationAnswer::SkipDrawing},
                                                                    {"stop", RegistrationAnswer::StopScanning}};
     ScanArguments a;
-    bool listGiven = false, drawingsGiven = false, folderGiven = false;
+    bool listGiven = false, drawingsGiven = false, pathGiven = false, prefixGiven = false;
     for (qsizetype i = 0; i < args.size(); ++i) {
         const QString &word = args[i];
         const auto value = [&]() -> std::optional<QString> {
@@ -116,10 +117,10 @@ std::optional<ScanArguments> parse_scan_arguments(const QStringList &args, QStri
                 if (!(a.feed = lookup(feeds, *v))) return bad(*v);
             } else if (word == QLatin1String("--path")) {
                 a.path = *v;
-                folderGiven = true;
+                pathGiven = true;
             } else if (word == QLatin1String("--prefix")) {
                 a.prefix = *v;
-                folderGiven = true;
+                prefixGiven = true;
             } else if (word == QLatin1String("--list")) {
                 a.list = *v;
                 listGiven = true;
@@ -150,11 +151,14 @@ std::optional<ScanArguments> parse_scan_arguments(const QStringList &args, QStri
     }
     if (a.help) return a;
     if (!a.job.isEmpty() || !a.scene.isEmpty() || !a.element.isEmpty()) {
-        error = check_database_words(a, listGiven, drawingsGiven, folderGiven);
+        error = check_database_words(a, listGiven, drawingsGiven, pathGiven || prefixGiven);
     } else if (drawingsGiven || a.unscanned || !a.db.isEmpty()) {
         error = QStringLiteral("--drawings, --unscanned and --db need --job, --scene and --element");
     } else if (!listGiven) {
         error = QStringLiteral("--list is required");
+    } else if (!pathGiven || !prefixGiven) {
+        // The files are named DIR/P-<drawing>: neither part is guessed.
+        error = QStringLiteral("--path and --prefix are required");
     }
     if (!error.isEmpty()) return std::nullopt;
     return a;

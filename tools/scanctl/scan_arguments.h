@@ -20,7 +20,7 @@ struct ScanArguments {
     std::optional<bool> optical;
     bool flip = false;
     bool scaninfoFiles = false;
-    QString path = QStringLiteral(".");
+    QString path;
     QString prefix;
     QString list;
     // Scanning into an element of the production database instead of a folder.

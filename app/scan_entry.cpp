@@ -71,9 +71,13 @@ Qt::HANDLE &mainThreadId() {
 // Whether the platform that Qt would load finds a display server. Asked before
 // the application object is made, since without one Qt cannot make it at all.
 bool displayAvailable() {
+#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
     const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
     const bool needsServer = platform.isEmpty() || platform.startsWith("xcb") || platform.startsWith("wayland");
     return !needsServer || !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+#else
+    return true;  // the desktop is the display
+#endif
 }
 
 }  // namespace

@@ -10,11 +10,10 @@
 
 struct ContourTracer {
     BM_MaskMap *mask = nullptr;  // its outer two pixels are cleared by the trace
-    // Walked cracks of the mask's rows from `marksTop` down, as many rows as
-    // the last trace reached; the trace places and sizes them itself, and
-    // reuses them when they cover the rows it needs.
-    BM_MarkMap marks;
-    int marksTop = 0;
+    // The cracks under pixels that walks went along, a bit a pixel as in the
+    // mask, for the rows the last trace reached; the trace sizes them itself
+    // and reuses them when they cover the rows it needs.
+    BM_MaskMap walked;
     bool limited = false;        // registration traces the whole mask
     Math::Box2d limit;
 };

@@ -16,7 +16,9 @@ bool locate_pegs(BM_GreyMap &grey, const PegRegistrationOptions &options, Math::
     }
     const Math::Box2d searchBox = search_box_of_pegs(grey.width(), grey.height(), options);
     const int threshold = static_cast<int>(options.threshr * 255.0);
-    BM_MaskMap mask;  // allocated, and so cleared, once by the mask builder
+    // Only the band's rows of the mask are kept: the stamps reach no others.
+    BM_MaskMap mask;
+    allocate_peg_mask(mask, grey.width(), grey.height(), searchBox, 2);
     build_peg_mask(grey, mask, threshold, searchBox, Math::Box2d{}, 2, 2, false);
 
     std::vector<GR_BezierPath2d> polygons;

@@ -68,22 +68,29 @@ PegCandidates peg_candidates(const std::vector<GR_BezierPath2d> &polygons, const
     PegCandidates found;
     for (const GR_BezierPath2d &polygon : polygons) {
         if (polygon.isEmpty()) continue;
-        Math::Point2d dot = mean_point(polygon);
-        if (options.rdebug) std::printf("Dot at: %f %f -> ", dot.x, dot.y);
-        const Math::Box2d box = polygon.boundingBox();
-        const int width = static_cast<int>(box.width() + 0.5);
-        const int height = static_cast<int>(box.height() + 0.5);
-        dot = refine_dot(mask, grey, dot, width, height);
-
+        Math::Point2d dot;
         double area = 0.0;
         if (!options.centerPegHoles) {
+            area = std::fabs(polygon.signedArea()) * options.calibX * options.calibY;
+            // The centroid is the costly part, over the polygon's whole box;
+            // a polygon of no candidate's size needs it only for the traces.
+            if (!options.rdebug && !is_centre_area(area, options.dpi) && !is_side_area(area, options.dpi)) continue;
+            dot = mean_point(polygon);
+            if (options.rdebug) std::printf("Dot at: %f %f -> ", dot.x, dot.y);
+            const Math::Box2d box = polygon.boundingBox();
+            const int width = static_cast<int>(box.width() + 0.5);
+            const int height = static_cast<int>(box.height() + 0.5);
+            dot = refine_dot(mask, grey, dot, width, height);
             if (options.rdebug) std::printf(" refined to: %f %f\n", dot.x, dot.y);
             dot.x *= options.calibX;
             dot.y *= options.calibY;
             if (options.rdebug) std::printf(" calibrated to: %f %f\n", dot.x, dot.y);
-            area = std::fabs(polygon.signedArea()) * options.calibX * options.calibY;
         } else {
             // Round holes are placed by their outline; the centroid is not used.
+            if (options.rdebug) {
+                const Math::Point2d mean = mean_point(polygon);
+                std::printf("Dot at: %f %f -> ", mean.x, mean.y);
+            }
             const PegCircle circle = fit_peg_circle(polygon, options.calibX, options.calibY);
             dot = circle.centre;
             area = std::numbers::pi * circle.radius * circle.radius;

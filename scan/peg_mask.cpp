@@ -115,16 +115,13 @@ public:
             return;
         }
 #if defined(__SSE2__)
-        // Unsigned comparison through the signed one: flip the top bits.
-        const __m128i bias = _mm_set1_epi8(static_cast<char>(0x80));
-        const __m128i limit = _mm_set1_epi8(static_cast<char>(threshold ^ 0x80));
-        auto brighter = [&](int at) {
-            const __m128i v = _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i *>(g + at)), bias);
-            return _mm_cmpgt_epi8(v, limit);
-        };
+        // g > threshold exactly where g - threshold, saturated at 0, isn't 0.
+        const __m128i limit = _mm_set1_epi8(static_cast<char>(threshold));
+        const __m128i zero = _mm_setzero_si128();
+        auto load = [&](int at) { return _mm_loadu_si128(reinterpret_cast<const __m128i *>(g + at)); };
         // Sixteen pixels from `at`, one bit each.
-        auto hit16 = [&](int at, __m128i bright) {
-            const uint64_t m = static_cast<unsigned>(_mm_movemask_epi8(bright));
+        auto hit16 = [&](int at, __m128i v) {
+            const uint64_t m = ~static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_subs_epu8(v, limit), zero))) & 0xffffu;
             if (!m) return;
             const int w = at >> 6, shift = at & 63;
             hits_[static_cast<size_t>(w)] |= m << shift;
@@ -132,16 +129,18 @@ public:
             noteWord(w);
             noteWord(std::min(w + 1, words_ - 1));
         };
-        // The band is mostly dark: 64 pixels with nothing bright go at once.
+        // The band is mostly dark: 64 pixels with nothing bright go at once,
+        // judged by their brightest.
         for (; x + 64 <= x1 + 1; x += 64) {
-            const __m128i b0 = brighter(x), b1 = brighter(x + 16), b2 = brighter(x + 32), b3 = brighter(x + 48);
-            if (!_mm_movemask_epi8(_mm_or_si128(_mm_or_si128(b0, b1), _mm_or_si128(b2, b3)))) continue;
-            hit16(x, b0);
-            hit16(x + 16, b1);
-            hit16(x + 32, b2);
-            hit16(x + 48, b3);
+            const __m128i v0 = load(x), v1 = load(x + 16), v2 = load(x + 32), v3 = load(x + 48);
+            const __m128i top = _mm_max_epu8(_mm_max_epu8(v0, v1), _mm_max_epu8(v2, v3));
+            if (_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_subs_epu8(top, limit), zero)) == 0xffff) continue;
+            hit16(x, v0);
+            hit16(x + 16, v1);
+            hit16(x + 32, v2);
+            hit16(x + 48, v3);
         }
-        for (; x + 16 <= x1 + 1; x += 16) hit16(x, brighter(x));
+        for (; x + 16 <= x1 + 1; x += 16) hit16(x, load(x));
 #endif
         for (; x <= x1; ++x)
             if (g[x] > threshold) setHit(x);
@@ -276,19 +275,33 @@ void thin_mask(BM_MaskMap &mask, int k) {
 
 }  // namespace
 
+void allocate_peg_mask(BM_MaskMap &mask, int width, int height, const Math::Box2d &search, int r) {
+    r = std::clamp(r, 0, kMaxRadius);
+    const Limits box = limits_of(search, width, height);
+    if (box.hasRow(box.y0))
+        mask.allocateRows(width, height, box.y0 - r, box.y1 + r);
+    else
+        mask.allocateRows(width, height, 0, -1);
+}
+
 bool build_peg_mask(BM_GreyMap &grey, BM_MaskMap &mask, int threshold, const Math::Box2d &search,
                     const Math::Box2d &exclusion, int r1, int r2, bool keep) {
     const int width = grey.width(), height = grey.height();
-    if (mask.width() != width || mask.height() != height)
-        mask.allocate(width, height);
-    else
-        mask.clear();
-
     r1 = std::clamp(r1, 0, kMaxRadius);
     r2 = std::clamp(r2, 0, kMaxRadius);
     const int r = std::max(r1, r2);
+    const bool thins = r != r2 || keep;
 
     const Limits box = limits_of(search, width, height);
+    // A mask of the picture's size is kept when it stores every row that a
+    // stamp can reach, unless the thinning, which works on whole masks, follows.
+    const bool fits = mask.width() == width && mask.height() == height && !thins &&
+                      (!box.hasRow(box.y0) || (mask.stores(std::max(box.y0 - r, 0)) &&
+                                               mask.stores(std::min(box.y1 + r, height - 1))));
+    if (fits)
+        mask.clear();
+    else
+        mask.allocate(width, height);
     Limits excluded;  // empty
     if (!exclusion.isEmpty()) excluded = limits_of(exclusion, width, height);
 

@@ -30,8 +30,9 @@ Math::Point2d refine_dot(const BM_MaskMap &mask, const BM_GreyMap &grey, Math::P
     const int halfW = width / 2, halfH = height / 2;
     const int x0 = std::max(static_cast<int>(std::floor(point.x - halfW)), 0);
     const int x1 = std::min(static_cast<int>(std::ceil(point.x + halfW)), w - 1);
-    const int y0 = std::max(static_cast<int>(std::floor(point.y - halfH)), 0);
-    const int y1 = std::min(static_cast<int>(std::ceil(point.y + halfH)), h - 1);
+    // Rows the mask doesn't store are clear and add nothing.
+    const int y0 = std::max(static_cast<int>(std::floor(point.y - halfH)), std::max(mask.firstRow(), 0));
+    const int y1 = std::min(static_cast<int>(std::ceil(point.y + halfH)), std::min(mask.lastRow(), h - 1));
 
     // The sums run over the masked pixels row by row, left to right. Clear
     // mask bytes are passed over whole, and pixels of grey 0 add exactly

@@ -23,30 +23,51 @@ public:
     BM_PixelMap(int width, int height) { allocate(width, height); }
 
     // Fresh, cleared pixels.
-    void allocate(int width, int height) {
+    void allocate(int width, int height) { allocateRows(width, height, 0, height - 1); }
+    // A map of width x height that stores only rows first..last: the others
+    // read as clear, writes to them are dropped, and they take no memory. A
+    // band of a large picture costs no more than the band. The row just
+    // above and just below the stored ones (when inside the map) can be read
+    // through row() and stay clear, so a reader may look one row past a set
+    // pixel without a test.
+    void allocateRows(int width, int height, int first, int last) {
         width_ = width > 0 ? width : 0;
         height_ = height > 0 ? height : 0;
         stride_ = static_cast<int>(((static_cast<int64_t>(width_) * Pixel::kBits + 7) / 8 + 3) / 4 * 4);
-        data_.assign(static_cast<size_t>(stride_) * static_cast<size_t>(height_), 0);
+        first_ = first < 0 ? 0 : first;
+        last_ = last >= height_ ? height_ - 1 : last;
+        if (first_ > last_) first_ = 0, last_ = -1;
+        top_ = first_ > 0 ? first_ - 1 : 0;
+        const int bottom = last_ < 0 ? -1 : (last_ + 1 < height_ ? last_ + 1 : last_);
+        data_.assign(static_cast<size_t>(stride_) * static_cast<size_t>(bottom - top_ + 1), 0);
     }
     void clear() { std::memset(data_.data(), 0, data_.size()); }
+
+    // The stored rows; all of them unless made by allocateRows.
+    int firstRow() const { return first_; }
+    int lastRow() const { return last_; }
+    bool stores(int y) const { return y >= first_ && y <= last_; }
 
     int width() const { return width_; }
     int height() const { return height_; }
     int bytesPerRow() const { return stride_; }
-    uint8_t *row(int y) { return data_.data() + static_cast<size_t>(y) * static_cast<size_t>(stride_); }
-    const uint8_t *row(int y) const { return data_.data() + static_cast<size_t>(y) * static_cast<size_t>(stride_); }
+    // Row y, for a stored row or one of the clear rows beside them.
+    uint8_t *row(int y) { return data_.data() + offset(y); }
+    const uint8_t *row(int y) const { return data_.data() + offset(y); }
+    // The first row kept in memory: row 0 of a whole map.
     uint8_t *data() { return data_.data(); }
     const uint8_t *data() const { return data_.data(); }
 
     // One pixel's value; no bounds check.
     unsigned get(int x, int y) const {
+        if (!stores(y)) return 0;
         const uint8_t *r = row(y);
         if constexpr (Pixel::kBits == 8) return r[x];
         else if constexpr (Pixel::kBits == 2) return (r[x >> 2] >> (6 - 2 * (x & 3))) & 3u;
         else return (r[x >> 3] >> (7 - (x & 7))) & 1u;
     }
     void set(int x, int y, unsigned v) {
+        if (!stores(y)) return;
         uint8_t *r = row(y);
         if constexpr (Pixel::kBits == 8) {
             r[x] = static_cast<uint8_t>(v);
@@ -60,7 +81,10 @@ public:
     }
 
 private:
+    size_t offset(int y) const { return static_cast<size_t>(y - top_) * static_cast<size_t>(stride_); }
+
     int width_ = 0, height_ = 0, stride_ = 0;
+    int first_ = 0, last_ = -1, top_ = 0;  // stored rows; row top_ is data_[0]
     std::vector<uint8_t> data_;
 };
 

@@ -1,11 +1,15 @@
 #pragma once
 // A path of points; registration uses it as a closed polygon.
+#include <utility>
 #include <vector>
 
 #include "suite/graphic/math_geometry.h"
 
 class GR_BezierPath2d {
 public:
+    GR_BezierPath2d() = default;
+    explicit GR_BezierPath2d(std::vector<Math::Point2d> points) : points_(std::move(points)) {}
+
     void append(const Math::Point2d &p) { points_.push_back(p); }
     void reserve(int count) { points_.reserve(static_cast<size_t>(count > 0 ? count : 0)); }
     int pointCount() const { return static_cast<int>(points_.size()); }

@@ -83,6 +83,57 @@ int count_cracks(const BM_MaskMap &mask) {
     return n;
 }
 
+
+// The boundary walk as plainly as it can be put: every pixel of a row looked
+// at (bytes that are all clear passed over), two walked-crack bits a pixel,
+// and each move tested against the cracks' codes.
+std::vector<std::vector<Math::Point2d>> plain_trace(BM_MaskMap mask) {
+    const int w = mask.width(), h = mask.height();
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x)
+            if (x < 2 || y < 2 || x >= w - 2 || y >= h - 2) mask.set(x, y, 0);
+    const int stepX[4] = {-1, 0, 1, 0}, stepY[4] = {0, 1, 0, -1}, testBit[4] = {4, 2, 1, 8};
+    std::vector<unsigned> marks(static_cast<size_t>(w * h), 0);
+    auto markAt = [&](int x, int y) -> unsigned & { return marks[static_cast<size_t>(y * w + x)]; };
+    auto code = [&](int x, int y) {
+        return (markAt(x, y) & 1u) | (markAt(x, y) & 2u) | (x > 0 && (markAt(x - 1, y) & 1u) ? 4u : 0u) |
+               (y > 0 && (markAt(x, y - 1) & 2u) ? 8u : 0u);
+    };
+    auto mark = [&](int x, int y, int d) {
+        if (d == 0) markAt(x - 1, y) |= 1;
+        if (d == 1) markAt(x, y) |= 2;
+        if (d == 2) markAt(x, y) |= 1;
+        if (d == 3) markAt(x, y - 1) |= 2;
+    };
+    std::vector<std::vector<Math::Point2d>> out;
+    for (int y = 0; y + 1 < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            if (!mask.row(y)[x >> 3] || mask.get(x, y) == mask.get(x, y + 1) || (markAt(x, y) & 2u)) continue;
+            int ax = x, ay = y + 1, bx = x, by = y, d = 2;
+            const unsigned a0 = mask.get(ax, ay), b0 = mask.get(bx, by);
+            auto mid = [&] { return Math::Point2d{(ax + bx) / 2.0 + 0.5, (ay + by) / 2.0 + 0.5}; };
+            mark(bx, by, 1);
+            std::vector<Math::Point2d> points{mid()};
+            for (;;) {
+                const int nax = ax + stepX[d], nay = ay + stepY[d], nbx = bx + stepX[d], nby = by + stepY[d];
+                const unsigned a = mask.get(nax, nay), b = mask.get(nbx, nby);
+                const bool straight = a == a0 && b == b0 && !(code(nax, nay) & testBit[(d + 1) % 4]);
+                bool toB = b == a0 && !(code(nbx, nby) & testBit[(d + 2) % 4]);
+                bool toA = a == b0 && !(code(nax, nay) & testBit[(d + 2) % 4]);
+                if (toB && toA) (a0 ? toA : toB) = false;
+                if (straight) ax = nax, ay = nay, bx = nbx, by = nby;
+                else if (toB) ax = nbx, ay = nby, d = (d + 1) % 4;
+                else if (toA) bx = nax, by = nay, d = (d + 3) % 4;
+                else break;
+                points.insert(points.begin(), mid());
+                mark(ax, ay, (d + 1) % 4);
+            }
+            points.insert(points.begin(), points.back());
+            out.push_back(points);
+        }
+    return out;
+}
+
 }  // namespace
 
 TEST(PegMask, StampIsTheDiscOfTheLargerRadius) {
@@ -376,6 +427,66 @@ TEST(ContourTracer, ReusedMarksAfterALowerPicture) {
     trace_contours(tracer, third);
     ASSERT_EQ(third.size(), first.size());
     for (size_t i = 0; i < first.size(); ++i) EXPECT_EQ(third[i].points(), first[i].points());
+}
+
+// The quick paths of the search against plain ones, on tiny and degenerate
+// pictures and at the borders: a mask of only the band's rows against a
+// whole one, the word-wise tracer against the plain walk, and the centroid
+// over a band mask against the one over a whole mask.
+TEST(PegSearch, QuickPathsEqualPlainOnes) {
+    struct Case {
+        const char *name;
+        int w, h;
+        unsigned bright;  // percent of pixels above the threshold
+        Math::Box2d search;
+        int r;
+    };
+    const Case cases[] = {
+        {"1x1", 1, 1, 100, box(0, 0, 1, 1), 0},
+        {"one row", 40, 1, 50, box(0, 0, 40, 1), 2},
+        {"one column", 1, 40, 50, box(0, 0, 1, 40), 2},
+        {"5x5 lit", 5, 5, 100, box(0, 0, 5, 5), 0},
+        {"6x6 lit", 6, 6, 100, box(0, 0, 6, 6), 2},
+        {"checkerboards", 67, 29, 50, box(0, 0, 67, 29), 0},
+        {"blobs", 130, 41, 3, box(0, 0, 130, 41), 2},
+        {"bottom band", 150, 60, 4, box(0, 45.5, 150, 60), 2},
+        {"top band", 150, 60, 4, box(0, 0, 150, 10), 2},
+        {"thin band over the sides", 73, 40, 30, box(-3, 20, 80, 21), 1},
+        {"box off the picture", 30, 20, 50, box(40, 0, 50, 20), 2},
+    };
+    std::mt19937 rng(17);
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        BM_GreyMap grey(c.w, c.h);
+        for (int y = 0; y < c.h; ++y)
+            for (int x = 0; x < c.w; ++x) grey.set(x, y, rng() % 100 < c.bright ? 101 + rng() % 155 : rng() % 101);
+        BM_GreyMap bandGrey = grey;
+        BM_MaskMap whole, band;
+        build_peg_mask(grey, whole, 100, c.search, kNoBox, c.r, c.r, false);
+        allocate_peg_mask(band, c.w, c.h, c.search, c.r);
+        build_peg_mask(bandGrey, band, 100, c.search, kNoBox, c.r, c.r, false);
+        for (int y = 0; y < c.h; ++y)
+            for (int x = 0; x < c.w; ++x) {
+                ASSERT_EQ(band.get(x, y), whole.get(x, y)) << x << "," << y;
+                ASSERT_EQ(bandGrey.get(x, y), grey.get(x, y)) << x << "," << y;
+            }
+
+        const std::vector<std::vector<Math::Point2d>> plain = plain_trace(whole);
+        const std::vector<GR_BezierPath2d> quick = trace(whole), fromBand = trace(band);
+        ASSERT_EQ(quick.size(), plain.size());
+        ASSERT_EQ(fromBand.size(), plain.size());
+        for (size_t i = 0; i < plain.size(); ++i) {
+            ASSERT_EQ(quick[i].points(), plain[i]) << "polygon " << i;
+            ASSERT_EQ(fromBand[i].points(), plain[i]) << "polygon " << i;
+            const Math::Box2d b = quick[i].boundingBox();
+            const Math::Point2d at{b.x0 + b.width() / 3, b.y0 + b.height() / 2};
+            const int bw = static_cast<int>(b.width() + 0.5), bh = static_cast<int>(b.height() + 0.5);
+            const Math::Point2d fromWhole = refine_dot(whole, grey, at, bw, bh);
+            const Math::Point2d fromBandMask = refine_dot(band, bandGrey, at, bw, bh);
+            ASSERT_EQ(fromBandMask.x, fromWhole.x);
+            ASSERT_EQ(fromBandMask.y, fromWhole.y);
+        }
+    }
 }
 
 TEST(RefineDot, WeighsMaskedPixelsByGreyAtTheirIndices) {

@@ -293,11 +293,13 @@ bool build_peg_mask(BM_GreyMap &grey, BM_MaskMap &mask, int threshold, const Mat
     const bool thins = r != r2 || keep;
 
     const Limits box = limits_of(search, width, height);
-    // A mask of the picture's size is kept when it stores every row that a
-    // stamp can reach, unless the thinning, which works on whole masks, follows.
-    const bool fits = mask.width() == width && mask.height() == height && !thins &&
-                      (!box.hasRow(box.y0) || (mask.stores(std::max(box.y0 - r, 0)) &&
-                                               mask.stores(std::min(box.y1 + r, height - 1))));
+    // A mask of the picture's size is kept when it is whole, or when it
+    // stores every row that a stamp can reach and no thinning, which works on
+    // whole masks, follows.
+    const bool whole = mask.firstRow() == 0 && mask.lastRow() == height - 1;
+    const bool reaches = !box.hasRow(box.y0) ||
+                         (mask.stores(std::max(box.y0 - r, 0)) && mask.stores(std::min(box.y1 + r, height - 1)));
+    const bool fits = mask.width() == width && mask.height() == height && (whole || (!thins && reaches));
     if (fits)
         mask.clear();
     else

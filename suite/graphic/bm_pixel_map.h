@@ -41,7 +41,9 @@ public:
         const int bottom = last_ < 0 ? -1 : (last_ + 1 < height_ ? last_ + 1 : last_);
         data_.assign(static_cast<size_t>(stride_) * static_cast<size_t>(bottom - top_ + 1), 0);
     }
-    void clear() { std::memset(data_.data(), 0, data_.size()); }
+    void clear() {
+        if (!data_.empty()) std::memset(data_.data(), 0, data_.size());
+    }
 
     // The stored rows; all of them unless made by allocateRows.
     int firstRow() const { return first_; }

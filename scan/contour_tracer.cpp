@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #if defined(__SSE2__)
@@ -129,7 +130,7 @@ public:
         }
         points_.push_back(points_.front());
         std::reverse(points_.begin(), points_.end());
-        return GR_BezierPath2d(points_);
+        return GR_BezierPath2d(std::move(points_));
     }
 
 private:

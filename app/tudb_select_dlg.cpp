@@ -6,6 +6,7 @@
 #include <QListWidget>
 #include <QPushButton>
 
+#include "suite/base/msg_scope.h"
 #include "suite/db/tudbadmin.h"
 
 TUDbSelectDlg::TUDbSelectDlg(TUDbAdmin *admin, bool colourCapable, QWidget *parent)
@@ -52,6 +53,7 @@ QString TUDbSelectDlg::elementName() const { return currentText(elementList_); }
 
 void TUDbSelectDlg::fillJobs() {
     jobs_ = admin_->jobs();
+    reportReadFailure();
     jobList_->clear();
     for (const dba_job_struct &job : jobs_) jobList_->addItem(job.name);
     fillScenes();
@@ -61,7 +63,10 @@ void TUDbSelectDlg::fillScenes() {
     sceneList_->clear();
     scenes_.clear();
     const int row = jobList_->currentRow();
-    if (row >= 0 && row < int(jobs_.size())) scenes_ = admin_->scenes(jobs_[row].id);
+    if (row >= 0 && row < int(jobs_.size())) {
+        scenes_ = admin_->scenes(jobs_[row].id);
+        reportReadFailure();
+    }
     for (const dba_scene_struct &scene : scenes_) sceneList_->addItem(scene.name);
     fillElements();
 }
@@ -70,7 +75,9 @@ void TUDbSelectDlg::fillElements() {
     elementList_->clear();
     const int row = sceneList_->currentRow();
     if (row >= 0 && row < int(scenes_.size())) {
-        for (const LMV_element_data &element : admin_->elements(scenes_[row].id)) {
+        const std::vector<LMV_element_data> elements = admin_->elements(scenes_[row].id);
+        reportReadFailure();
+        for (const LMV_element_data &element : elements) {
             auto *item = new QListWidgetItem(element.name, elementList_);
             if (!colourCapable_ && element.scanType == LMV_SCAN_COLOUR) {
                 item->setFlags(item->flags() & ~(Qt::ItemIsEnabled | Qt::ItemIsSelectable));
@@ -79,6 +86,12 @@ void TUDbSelectDlg::fillElements() {
         }
     }
     enableApply();
+}
+
+void TUDbSelectDlg::reportReadFailure() {
+    if (!admin_->lastError().isEmpty())
+        MSG_Scope(MSG_Text("TUDbSelectDlg", "Cannot read the production database: %1").arg(admin_->lastError()),
+                  MSG_ACTION_ERROR);
 }
 
 void TUDbSelectDlg::enableApply() {

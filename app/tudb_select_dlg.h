@@ -32,6 +32,8 @@ private:
     void fillJobs();
     void fillScenes();
     void fillElements();
+    // Says so when the listing just read failed (it would look empty).
+    void reportReadFailure();
     void enableApply();
     static QString currentText(const QListWidget *list);
 

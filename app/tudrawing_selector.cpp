@@ -10,6 +10,7 @@
 
 #include "app/file_name_validators.h"
 #include "app/tudrawing_selector_table.h"
+#include "suite/base/msg_scope.h"
 #include "suite/db/tudbaccess.h"
 
 TUDrawingSelector::TUDrawingSelector(TUDbAccess *database, qint64 elementId, QWidget *parent)
@@ -93,7 +94,14 @@ void TUDrawingSelector::fillTable() {
     elementLabel_->setText(tr("Element: ") + (database_ ? database_->DBA_elementNameFromID(elementId_) : QString()));
     const dba_scene_struct *scene = database_ ? database_->openScene() : nullptr;
     if (!scene) return;
-    rows_ = drawingSelectorRows(*database_, scene, elementId_);
+    // An empty table would read as an element with nothing exposed.
+    QString why;
+    std::optional<std::vector<DrawingSelectorRow>> rows = drawingSelectorRows(*database_, scene, elementId_, &why);
+    if (!rows) {
+        MSG_Scope(MSG_Text("TUDrawingSelector", "Cannot read the drawings of the element: %1").arg(why), MSG_ACTION_ERROR);
+        return;
+    }
+    rows_ = std::move(*rows);
     for (const DrawingSelectorRow &row : rows_) table_->addDrawing(row.name, row.scanned);
 }
 

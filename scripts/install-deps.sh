@@ -9,7 +9,7 @@ packages=(
   libtiff-dev libtiff-tools
   libgtest-dev libgmock-dev libbenchmark-dev libopencv-imgproc-dev
   clang libclang-rt-14-dev
-  libqt6sql6-sqlite libqt6sql6-psql postgresql
+  libqt6sql6-sqlite libqt6sql6-psql libsqlite3-dev postgresql
 )
 
 missing=()

@@ -3,7 +3,14 @@
 #include <QAtomicInteger>
 #include <QDir>
 #include <QFileInfo>
+#include <QRandomGenerator>
+#include <QSqlDriver>
 #include <QSqlError>
+
+#include <chrono>
+#include <thread>
+
+#include <sqlite3.h>
 
 namespace {
 QString uniqueConnectionName() {
@@ -11,15 +18,41 @@ QString uniqueConnectionName() {
     return QStringLiteral("scan_db_%1").arg(counter.fetchAndAddRelaxed(1));
 }
 
-// Long enough for a busy studio; a writer waits this long for the lock.
-constexpr int kBusyTimeoutMs = 30000;
+// Long enough for a busy studio; a writer waits this long for the lock
+// unless its owner asks for less.
+constexpr int kDefaultLockWaitMs = 30000;
+
+qint64 monotonicMs() {
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+bool isBusyCode(const QString &code, bool postgres) {
+    // SQLite: SQLITE_BUSY, SQLITE_LOCKED. PostgreSQL: lock_not_available
+    // (lock_timeout), query_canceled (statement_timeout).
+    return postgres ? code == QLatin1String("55P03") || code == QLatin1String("57014")
+                    : code == QLatin1String("5") || code == QLatin1String("6");
+}
 }  // namespace
 
-DbSession::DbSession(const DbConnectionSettings &settings) : settings_(settings), name_(uniqueConnectionName()) {}
+DbSession::DbSession(const DbConnectionSettings &settings)
+    : settings_(settings), name_(uniqueConnectionName()), lockWaitMs_(kDefaultLockWaitMs) {}
 
 DbSession::~DbSession() {
     close();
     QSqlDatabase::removeDatabase(name_);
+}
+
+// SQLite's own busy handler naps longer and longer, up to 100 ms, so a waiter
+// rarely finds the lock free between the transactions of busy writers and
+// can wait far beyond its turn. Short, uneven naps give each its chance.
+int DbSession::sqliteBusy(void *session, int count) {
+    auto *self = static_cast<DbSession *>(session);
+    const qint64 now = monotonicMs();
+    if (count == 0) self->busySince_ = now;
+    if (now - self->busySince_ >= self->lockWaitMs_) return 0;
+    std::this_thread::sleep_for(std::chrono::microseconds(100 + QRandomGenerator::global()->bounded(900)));
+    return 1;
 }
 
 bool DbSession::open() {
@@ -41,7 +74,6 @@ bool DbSession::open() {
         }
         db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name_);
         db.setDatabaseName(settings_.sqlitePath);
-        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(kBusyTimeoutMs));
     }
     if (!db.isValid()) {
         error_ = QStringLiteral("the Qt SQL driver for %1 is missing").arg(isPostgres() ? "PostgreSQL" : "SQLite");
@@ -51,23 +83,21 @@ bool DbSession::open() {
         error_ = QStringLiteral("cannot open %1: %2").arg(settings_.describe(), db.lastError().text());
         return false;
     }
+    bool ok;
     if (isPostgres()) {
         // "relation exists, skipping" and the like are no news to anyone.
-        if (!run(QStringLiteral("SET client_min_messages TO WARNING"))) {
-            close();
-            return false;
-        }
+        ok = run(QStringLiteral("SET client_min_messages TO WARNING")) && applyLockWait();
     } else {
+        const QVariant handle = db.driver()->handle();
+        if (handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0)
+            sqlite3_busy_handler(*static_cast<sqlite3 *const *>(handle.constData()), &DbSession::sqliteBusy, this);
         // WAL lets readers go on while one process writes; FULL keeps each
         // commit on disk before it returns.
-        if (!run(QStringLiteral("PRAGMA journal_mode=WAL")) || !run(QStringLiteral("PRAGMA synchronous=FULL")) ||
-            !run(QStringLiteral("PRAGMA foreign_keys=ON")) ||
-            !run(QStringLiteral("PRAGMA busy_timeout=%1").arg(kBusyTimeoutMs))) {
-            close();
-            return false;
-        }
+        ok = run(QStringLiteral("PRAGMA journal_mode=WAL")) && run(QStringLiteral("PRAGMA synchronous=FULL")) &&
+             run(QStringLiteral("PRAGMA foreign_keys=ON"));
     }
-    return true;
+    if (!ok) close();
+    return ok;
 }
 
 void DbSession::close() {
@@ -81,34 +111,39 @@ bool DbSession::isOpen() const {
     return QSqlDatabase::contains(name_) && QSqlDatabase::database(name_, false).isOpen();
 }
 
+void DbSession::setLockWait(int ms) {
+    lockWaitMs_ = ms;
+    if (isOpen()) applyLockWait();
+}
+
+bool DbSession::applyLockWait() {
+    // SQLite's busy handler reads the wait at each lock; PostgreSQL needs telling.
+    return !isPostgres() || run(QStringLiteral("SET lock_timeout = %1").arg(lockWaitMs_));
+}
+
 QSqlQuery DbSession::query() const { return QSqlQuery(QSqlDatabase::database(name_, false)); }
+
+bool DbSession::failed(const QSqlError &error, const QString &context) {
+    busy_ = isBusyCode(error.nativeErrorCode(), isPostgres());
+    error_ = context.isEmpty() ? error.text() : QStringLiteral("%1: %2").arg(context, error.text());
+    return false;
+}
 
 bool DbSession::exec(QSqlQuery &query, const QString &sql, const QVariantList &values) {
     // PostgreSQL prepares no DDL: statements without values run directly.
-    if (values.isEmpty()) {
-        if (query.exec(sql)) return true;
-        error_ = query.lastError().text();
-        return false;
-    }
-    if (!query.prepare(sql)) {
-        error_ = query.lastError().text();
-        return false;
-    }
+    if (values.isEmpty()) return query.exec(sql) || failed(query.lastError());
+    if (!query.prepare(sql)) return failed(query.lastError());
     for (const QVariant &value : values) query.addBindValue(value);
-    if (!query.exec()) {
-        error_ = query.lastError().text();
-        return false;
-    }
-    return true;
+    return query.exec() || failed(query.lastError());
+}
+
+bool DbSession::rowsEnded(const QSqlQuery &query) {
+    return query.lastError().type() == QSqlError::NoError || failed(query.lastError());
 }
 
 bool DbSession::run(const QString &statement) {
     QSqlQuery q = query();
-    if (!q.exec(statement)) {
-        error_ = QStringLiteral("%1: %2").arg(statement, q.lastError().text());
-        return false;
-    }
-    return true;
+    return q.exec(statement) || failed(q.lastError(), statement);
 }
 
 bool DbSession::ping() { return isOpen() && run(QStringLiteral("SELECT 1")); }
@@ -116,6 +151,7 @@ bool DbSession::ping() { return isOpen() && run(QStringLiteral("SELECT 1")); }
 bool DbSession::begin(bool write) {
     if (inTransaction_) {
         error_ = QStringLiteral("a transaction is already running on this connection");
+        busy_ = false;
         return false;
     }
     QString statement = QStringLiteral("BEGIN");
@@ -139,8 +175,10 @@ bool DbSession::commit() {
 void DbSession::rollback() {
     if (!inTransaction_) return;
     const QString keep = error_;
+    const bool keepBusy = busy_;
     run(QStringLiteral("ROLLBACK"));
     error_ = keep;
+    busy_ = keepBusy;
     inTransaction_ = false;
 }
 

@@ -2,7 +2,7 @@
 // The production database over QtSql, for an embedded SQLite file and for a
 // studio's PostgreSQL server alike. One instance holds one connection and
 // belongs to the thread that made it; several processes may share one
-// database (SQLite runs in WAL mode with a busy timeout).
+// database (SQLite runs in WAL mode, writers taking turns at its write lock).
 #include <functional>
 #include <memory>
 
@@ -21,10 +21,28 @@ public:
     // The connection string in use, and whether a session is open.
     QString connectionString() const;
     bool isOpen() const;
-    // The schema version of the open database (0 when closed).
+    // The database for messages: the SQLite file or the server's address
+    // (without a password).
+    QString description() const;
+    // The schema version of the open database; -1 when it can't be read.
     int schemaVersion();
     // Tests set the clock of leases and times (milliseconds since the epoch).
     void setClock(std::function<qint64()> clock);
+    // The longest a call waits for a lock another session holds before it
+    // fails as Busy (30 s unless set); kept across reconnect().
+    void setLockWait(int ms);
+
+    // Why the last call failed, for those that try again.
+    enum class Failure {
+        None,            // it did not fail
+        Busy,            // another session held a lock longer than the lock wait
+        ConnectionLost,  // the server (or the file) can't be reached; reconnect()
+        NotHeld,         // the worker does not hold the queue entry (any more)
+        Other,           // the database refused or could not be read
+    };
+    Failure lastFailure();
+    // Opens the connection again after it was lost, keeping the selection.
+    int reconnect();
 
     // TUDbAccess
     int dba_Initialize2dSystem(const QString &programName) override;
@@ -32,6 +50,7 @@ public:
     void dba_startKeepAlivePulse() override;
     int dba_read_config_file() override;
     QString lastError() const override;
+    bool ownsFile(const QString &path) const override;
     QString userName() const override;
     QString envName() const override;
     QString jobName() const override;

@@ -15,14 +15,14 @@ std::optional<T> insertAndRead(SqlDbAccess::Private &d, const QString &insert, c
     std::optional<qint64> id;
     {
         DbTransaction tx(*d.session);
-        if (!tx.ok()) return d.fail(d.session->lastError()), std::nullopt;
+        if (!tx.ok()) return d.failSession(), std::nullopt;
         id = d.insert(insert, values);
-        if (!id || !tx.commit()) {
-            if (id) d.fail(d.session->lastError());
-            return std::nullopt;
-        }
+        if (!id) return std::nullopt;
+        if (!tx.commit()) return d.failSession(), std::nullopt;
     }
-    return reread(*id);
+    std::optional<T> row = reread(*id);
+    if (!row && d.error.isEmpty()) d.fail(QStringLiteral("the new row %1 can't be read back").arg(*id));
+    return row;
 }
 
 bool requireName(SqlDbAccess::Private &d, const QString &what, const QString &name) {
@@ -33,20 +33,22 @@ bool requireName(SqlDbAccess::Private &d, const QString &what, const QString &na
 std::optional<dba_job_struct> SqlDbAccess::createJob(const QString &name, int pixelShape) {
     if (!requireName(*d, QStringLiteral("job"), name)) return std::nullopt;
     if (findJob(name)) return d->fail(QStringLiteral("job %1 exists already").arg(name)), std::nullopt;
+    if (!d->error.isEmpty()) return std::nullopt;
     return insertAndRead<dba_job_struct>(
         *d, QStringLiteral("INSERT INTO jobs (environment_id, name, pixel_shape) VALUES (?, ?, ?) RETURNING id"),
         {d->envId, name, pixelShape}, [this](qint64 id) {
-            return d->selectOne<dba_job_struct>(sql(kJobSelect, "WHERE j.id = ?"), {id}, readJob);
+            return d->lookup<dba_job_struct>(sql(kJobSelect, "WHERE j.id = ?"), {id}, readJob);
         });
 }
 
 std::optional<dba_scene_struct> SqlDbAccess::createScene(qint64 jobId, const QString &name, const QString &path) {
     if (!requireName(*d, QStringLiteral("scene"), name)) return std::nullopt;
     if (findScene(jobId, name)) return d->fail(QStringLiteral("scene %1 exists already").arg(name)), std::nullopt;
+    if (!d->error.isEmpty()) return std::nullopt;
     return insertAndRead<dba_scene_struct>(
         *d, QStringLiteral("INSERT INTO scenes (job_id, name, path, version) VALUES (?, ?, ?, 1) RETURNING id"),
         {jobId, name, sqlText(path)}, [this](qint64 id) {
-            return d->selectOne<dba_scene_struct>(sql(kSceneSelect, "WHERE s.id = ?"), {id}, readScene);
+            return d->lookup<dba_scene_struct>(sql(kSceneSelect, "WHERE s.id = ?"), {id}, readScene);
         });
 }
 
@@ -54,6 +56,7 @@ std::optional<LMV_element_data> SqlDbAccess::createElement(qint32 sceneId, const
     if (!requireName(*d, QStringLiteral("element"), e.name)) return std::nullopt;
     if (findElement(sceneId, e.name))
         return d->fail(QStringLiteral("element %1 exists already").arg(e.name)), std::nullopt;
+    if (!d->error.isEmpty()) return std::nullopt;
     if (e.scanType < LMV_SCAN_COLOUR || e.scanType > LMV_SCAN_NONE)
         return d->fail(QStringLiteral("unknown scan type %1").arg(e.scanType)), std::nullopt;
     return insertAndRead<LMV_element_data>(
@@ -66,17 +69,20 @@ std::optional<LMV_element_data> SqlDbAccess::createElement(qint32 sceneId, const
 }
 
 int SqlDbAccess::exposeDrawings(qint64 elementId, const QStringList &drawings) {
-    if (!d->ready()) return -1;
-    if (!DBA_elementFromID(elementId)) return -1;
+    if (!DBA_elementFromID(elementId))
+        return d->error.isEmpty() ? (d->fail(QStringLiteral("no element with id %1").arg(elementId)), -1) : -1;
+    DbTransaction tx(*d->session);
+    if (!tx.ok()) return d->failSession(), -1;
     QSet<QString> exposed;
     QSqlQuery q = d->query();
     if (!d->exec(q, QStringLiteral("SELECT drawing FROM exposures WHERE element_id = ?"), {elementId})) return -1;
     while (q.next()) exposed.insert(q.value(0).toString());
+    if (!d->rowsEnded(q)) return -1;
     QSet<QString> withCel;
-    for (const dba_cel_struct &cel : cels(elementId)) withCel.insert(cel.drawingName());
+    if (!d->exec(q, sql(kCelSelect, "WHERE element_id = ?"), {elementId})) return -1;
+    while (q.next()) withCel.insert(readCel(q).drawingName());
+    if (!d->rowsEnded(q)) return -1;
 
-    DbTransaction tx(*d->session);
-    if (!tx.ok()) return d->fail(d->session->lastError()), -1;
     int added = 0;
     for (const QString &name : drawings) {
         if (name.isEmpty() || exposed.contains(name)) continue;
@@ -91,7 +97,7 @@ int SqlDbAccess::exposeDrawings(qint64 elementId, const QStringList &drawings) {
         withCel.insert(name);
     }
     q.finish();
-    return tx.commit() ? added : (d->fail(d->session->lastError()), -1);
+    return tx.commit() ? added : (d->failSession(), -1);
 }
 
 std::optional<dba_cel_struct> SqlDbAccess::createCel(qint64 elementId, const QString &name, const QString &suffix,
@@ -101,45 +107,39 @@ std::optional<dba_cel_struct> SqlDbAccess::createCel(qint64 elementId, const QSt
         *d,
         QStringLiteral("INSERT INTO cels (element_id, name, suffix, version_count) VALUES (?, ?, ?, ?) RETURNING id"),
         {elementId, name, sqlText(suffix), versionCount}, [this](qint64 id) {
-            return d->selectOne<dba_cel_struct>(sql(kCelSelect, "WHERE id = ?"), {id}, readCel);
+            return d->lookup<dba_cel_struct>(sql(kCelSelect, "WHERE id = ?"), {id}, readCel);
         });
 }
 
 std::vector<dba_job_struct> SqlDbAccess::jobs() {
-    return d->selectAll<dba_job_struct>(sql(kJobSelect, "WHERE j.environment_id = ? ORDER BY j.name"), {d->envId},
-                                        readJob);
+    return d->listing<dba_job_struct>(sql(kJobSelect, "WHERE j.environment_id = ? ORDER BY j.name"), {d->envId},
+                                      readJob);
 }
 
 std::vector<dba_scene_struct> SqlDbAccess::scenes(qint64 jobId) {
-    return d->selectAll<dba_scene_struct>(sql(kSceneSelect, "WHERE s.job_id = ? ORDER BY s.name"), {jobId}, readScene);
+    return d->listing<dba_scene_struct>(sql(kSceneSelect, "WHERE s.job_id = ? ORDER BY s.name"), {jobId}, readScene);
 }
 
 std::vector<LMV_element_data> SqlDbAccess::elements(qint32 sceneId) {
-    return d->selectAll<LMV_element_data>(sql(kElementSelect, "WHERE scene_id = ? ORDER BY name"), {sceneId},
-                                          readElement);
+    return d->listing<LMV_element_data>(sql(kElementSelect, "WHERE scene_id = ? ORDER BY name"), {sceneId},
+                                        readElement);
 }
 
 std::vector<dba_cel_struct> SqlDbAccess::cels(qint64 elementId) {
-    return d->selectAll<dba_cel_struct>(sql(kCelSelect, "WHERE element_id = ? ORDER BY id"), {elementId}, readCel);
+    return d->listing<dba_cel_struct>(sql(kCelSelect, "WHERE element_id = ? ORDER BY id"), {elementId}, readCel);
 }
 
 std::optional<dba_job_struct> SqlDbAccess::findJob(const QString &name) {
-    auto job = d->selectOne<dba_job_struct>(sql(kJobSelect, "WHERE j.environment_id = ? AND j.name = ?"),
-                                            {d->envId, name}, readJob);
-    if (!job) d->fail(QStringLiteral("no job %1 in environment %2").arg(name, d->env));
-    return job;
+    return d->lookup<dba_job_struct>(sql(kJobSelect, "WHERE j.environment_id = ? AND j.name = ?"), {d->envId, name},
+                                     readJob);
 }
 
 std::optional<dba_scene_struct> SqlDbAccess::findScene(qint64 jobId, const QString &name) {
-    auto scene = d->selectOne<dba_scene_struct>(sql(kSceneSelect, "WHERE s.job_id = ? AND s.name = ?"), {jobId, name},
-                                                readScene);
-    if (!scene) d->fail(QStringLiteral("no scene %1").arg(name));
-    return scene;
+    return d->lookup<dba_scene_struct>(sql(kSceneSelect, "WHERE s.job_id = ? AND s.name = ?"), {jobId, name},
+                                       readScene);
 }
 
 std::optional<LMV_element_data> SqlDbAccess::findElement(qint32 sceneId, const QString &name) {
-    auto element = d->selectOne<LMV_element_data>(sql(kElementSelect, "WHERE scene_id = ? AND name = ?"),
-                                                  {sceneId, name}, readElement);
-    if (!element) d->fail(QStringLiteral("no element %1").arg(name));
-    return element;
+    return d->lookup<LMV_element_data>(sql(kElementSelect, "WHERE scene_id = ? AND name = ?"), {sceneId, name},
+                                       readElement);
 }

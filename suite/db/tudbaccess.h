@@ -4,6 +4,11 @@
 //
 // Results follow the suite's habit: 0 is success and -1 failure where a call
 // answers with a number. Nothing here throws.
+//
+// Every call that goes to the database forgets the failure of the call
+// before. One that answers with nothing (an empty list, no record, an id of
+// 0) answers truly only when lastError() is empty afterwards; otherwise the
+// database could not be read, and the nothing is no answer.
 #include <QString>
 #include <QStringList>
 
@@ -36,8 +41,13 @@ public:
     // Reads the defaults of the selection (user, environment) from the
     // database settings file, when there is one. -1 on a file that can't be read.
     virtual int dba_read_config_file() = 0;
-    // Why the last call failed, in plain words.
+    // Why the last call failed, in plain words; empty when it did not.
     virtual QString lastError() const = 0;
+    // Whether `path` is one of the database's own files (for SQLite the file
+    // and its -wal, -shm and -journal companions). The station never opens
+    // these itself: closing any descriptor of the file would drop the locks
+    // that SQLite holds on it for the whole process.
+    virtual bool ownsFile(const QString &path) const = 0;
 
     // --- The current selection ---
     virtual QString userName() const = 0;

@@ -18,6 +18,10 @@ class TUDbAdmin {
 public:
     virtual ~TUDbAdmin() = default;
 
+    // As TUDbAccess::lastError: empty after a call that did not fail, so an
+    // empty listing with no error is a true one.
+    virtual QString lastError() const = 0;
+
     // --- Selection ---
     // Users and environments are made on first use. Selecting a job clears the
     // scene and element; selecting a scene clears the element. Each is looked

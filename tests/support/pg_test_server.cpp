@@ -71,12 +71,19 @@ PgTestServer::PgTestServer() {
                                                 QStringLiteral("-A"), QStringLiteral("trust"), QStringLiteral("-E"),
                                                 QStringLiteral("UTF8"), QStringLiteral("--no-sync")}))
         return;
+    running_ = resume();
+}
+
+bool PgTestServer::resume() {
     const QString options = QStringLiteral("-k %1 -h '' -F -c max_connections=60").arg(dir_);
-    if (!run(kBin + QStringLiteral("/pg_ctl"), {QStringLiteral("-D"), data, QStringLiteral("-o"), options,
-                                               QStringLiteral("-l"), dir_ + QStringLiteral("/server.log"),
-                                               QStringLiteral("-w"), QStringLiteral("start")}))
-        return;
-    running_ = true;
+    return run(kBin + QStringLiteral("/pg_ctl"),
+               {QStringLiteral("-D"), dir_ + QStringLiteral("/data"), QStringLiteral("-o"), options, QStringLiteral("-l"),
+                dir_ + QStringLiteral("/server.log"), QStringLiteral("-w"), QStringLiteral("start")});
+}
+
+bool PgTestServer::halt() {
+    return run(kBin + QStringLiteral("/pg_ctl"), {QStringLiteral("-D"), dir_ + QStringLiteral("/data"), QStringLiteral("-m"),
+                                                 QStringLiteral("immediate"), QStringLiteral("stop")});
 }
 
 QString PgTestServer::url(const QString &database) const {
@@ -108,11 +115,8 @@ QString PgTestServer::createDatabase() {
 }
 
 void PgTestServer::stop() {
-    if (running_) {
-        run(kBin + QStringLiteral("/pg_ctl"), {QStringLiteral("-D"), dir_ + QStringLiteral("/data"), QStringLiteral("-m"),
-                                              QStringLiteral("immediate"), QStringLiteral("stop")});
-        running_ = false;
-    }
+    if (running_) halt();
+    running_ = false;
     if (!dir_.isEmpty()) QDir(dir_).removeRecursively();
     dir_.clear();
 }

@@ -22,6 +22,9 @@ public:
     QString url(const QString &database) const;
 
     void stop();
+    // Stops the server as a crash would, keeping its data, and starts it again.
+    bool halt();
+    bool resume();
 
 private:
     PgTestServer();

@@ -56,6 +56,7 @@ public:
     void dba_startKeepAlivePulse() override {}
     int dba_read_config_file() override { return 0; }
     QString lastError() const override { return {}; }
+    bool ownsFile(const QString &) const override { return false; }
     QString userName() const override { return QStringLiteral("op"); }
     QString envName() const override { return environment; }
     QString jobName() const override { return job.name; }

@@ -3,6 +3,9 @@
 // embedded SQLite file in a temporary folder, or a fresh database on the
 // throwaway PostgreSQL server.
 #include <QProcess>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -60,6 +63,11 @@ protected:
         return p;
     }
 
+    // Waits for a started scanctl to end by itself.
+    static bool finish(QProcess &p, int timeoutMs = 60000) {
+        return p.waitForFinished(timeoutMs) && p.exitStatus() == QProcess::NormalExit;
+    }
+
     // Job J, scene S in the temporary folder, element E with the given
     // vectorize word, all through scanctl.
     void makeProduction(const QString &vectorize = QStringLiteral("vectorize")) {
@@ -71,6 +79,35 @@ protected:
             const ProcessResult r = scanctl(args);
             ASSERT_EQ(r.status, 0) << args.join(' ').toStdString() << ": " << r.err.toStdString();
         }
+    }
+
+    // Runs one statement on the test's database over a connection of its own.
+    bool rawSql(const QString &statement) const {
+        DbConnectionSettings settings;
+        if (!DbConnectionSettings::parse(connection_, settings)) return false;
+        const QString name = QStringLiteral("scanctl_test_raw");
+        bool ok = false;
+        {
+            const bool sqlite = settings.kind == DbConnectionSettings::Kind::SQLite;
+            QSqlDatabase db = QSqlDatabase::addDatabase(sqlite ? QStringLiteral("QSQLITE") : QStringLiteral("QPSQL"), name);
+            db.setDatabaseName(sqlite ? settings.sqlitePath : settings.database);
+            db.setHostName(settings.host);
+            db.setUserName(settings.user);
+            if (db.open()) {
+                QSqlQuery q(db);
+                ok = q.exec(statement);
+                EXPECT_TRUE(ok) << statement.toStdString() << ": " << q.lastError().text().toStdString();
+            }
+            db.close();
+        }
+        QSqlDatabase::removeDatabase(name);
+        return ok;
+    }
+    // For messages: the database as scanctl names it.
+    QString described() const {
+        DbConnectionSettings settings;
+        DbConnectionSettings::parse(connection_, settings);
+        return settings.describe();
     }
 
     // A session of the test itself on the same database.

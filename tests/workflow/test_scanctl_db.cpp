@@ -2,10 +2,12 @@
 // production is made, exposed and shown; wrong names and values are refused
 // with the right status; queue entries go through take, done and fail.
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QThread>
 
 #include "scanctl_db_fixture.h"
+#include "suite/base/osw_util.h"
 
 namespace {
 
@@ -93,6 +95,7 @@ TEST_F(ScanctlDb, WrongNamesAreRefusedAndWrongWordsAreUsageErrors) {
         {{"db", "show", "--verbose"}, 1, "unknown option '--verbose'"},
         {{"queue", "take"}, 1, "--worker NAME is required"},
         {{"queue", "take", "--worker", "w", "--lease", "0"}, 1, "--lease"},
+        {{"queue", "take", "--worker", "w", "--lease", "1"}, 1, "too short to be renewed in time"},
         {{"queue", "list", "--state", "lost"}, 1, "'lost' is not a state"},
         {{"queue", "show", "12"}, 2, "no entry 12"},
         {{"queue", "show", "twelve"}, 1, "not an entry id"},
@@ -119,7 +122,7 @@ TEST_F(ScanctlDb, QueueEntriesAreTakenUnderALeaseAndFinishedByTheirWorker) {
     r = scanctl({"queue", "list"});
     EXPECT_EQ(r.out, "1  waiting  J/S/E  1  pix2vec\n2  waiting  J/S/E  2  pix2vec\n3  waiting  J/S/E  3  pix2vec\n");
 
-    r = scanctl({"queue", "take", "--worker", "a", "--lease", "1"});
+    r = scanctl({"queue", "take", "--worker", "a", "--lease", "2"});
     ASSERT_EQ(r.status, 0) << r.err.toStdString();
     EXPECT_EQ(r.out, "1  taken  J/S/E  1  pix2vec  a\n");
     r = scanctl({"queue", "take", "--worker", "b", "--count", "5"});
@@ -127,7 +130,7 @@ TEST_F(ScanctlDb, QueueEntriesAreTakenUnderALeaseAndFinishedByTheirWorker) {
     EXPECT_EQ(scanctl({"queue", "take", "--worker", "b"}).status, 3) << "nothing is free while leases run";
 
     // a's lease runs out: b may take entry 1, and a can no longer finish it.
-    QThread::msleep(1100);
+    QThread::msleep(2100);
     EXPECT_EQ(scanctl({"queue", "take", "--worker", "b"}).out, "1  taken  J/S/E  1  pix2vec  b\n");
     r = scanctl({"queue", "done", "1", "--worker", "a"});
     EXPECT_EQ(r.status, 2);
@@ -162,5 +165,129 @@ TEST_F(ScanctlDb, AWorkerRunsItsProgramForEachEntryAndRecordsTheOutcome) {
     EXPECT_TRUE(scanctl({"queue", "show", "2"}).out.contains("sh exited with status 5: cannot read the scan"));
     EXPECT_EQ(scanctl({"queue", "work", "--worker", "w", "--", "/bin/true"}).status, 3);
 }
+
+
+// A query that fails is an error that names the database and what was being
+// read, with status 2: never an empty or shortened listing. Each command is
+// run with the table it reads renamed away, then (SQLite) with a damaged page
+// under a listing, and (PostgreSQL) with the server stopped.
+class ScanctlReadFailures : public ScanctlDbTest, public ::testing::WithParamInterface<ScanctlBackend> {
+protected:
+    void SetUp() override {
+        ASSERT_NO_FATAL_FAILURE(useBackend(GetParam()));
+        if (IsSkipped()) return;
+        ASSERT_NO_FATAL_FAILURE(makeProduction());
+        ASSERT_EQ(scanctl({"db", "expose", "J", "S", "E", "1:3"}).status, 0);
+        ASSERT_EQ(scanctl({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings", "1"}).status, 0);
+        QString host;
+        ASSERT_TRUE(oswUtil::getShortMachineName(host));
+        conf_ = dir_.filePath(QStringLiteral("Scan.conf"));
+        QFile f(conf_);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("host: " + host.toUtf8() + "\nname: Test\ndevice: fieldchart\nmodel: Bogus-B&W\n");
+    }
+
+    // The command fails with 2, prints nothing on standard output, and says
+    // what it read from which database.
+    void expectReadFailure(const QStringList &args, const QString &what) {
+        const ProcessResult r = scanctl(args);
+        const std::string command = args.join(' ').toStdString();
+        EXPECT_EQ(r.status, 2) << command << ": " << r.err.toStdString();
+        EXPECT_TRUE(r.out.isEmpty()) << command << ": " << r.out.toStdString();
+        EXPECT_TRUE(r.err.contains(what)) << command << ": " << r.err.toStdString();
+        EXPECT_TRUE(r.err.contains(described())) << command << ": " << r.err.toStdString();
+    }
+
+    // Overwrites the last leaf page of a table, as a failing disk would.
+    void damageLastPageOf(const QString &table) {
+        ASSERT_FALSE(QFile::exists(connection_ + QStringLiteral("-wal"))) << "the log is not yet in the file";
+        int root = 0;
+        {
+            std::unique_ptr<SqlDbAccess> keep;  // nothing of ours may stay open
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("pages"));
+            db.setDatabaseName(connection_);
+            ASSERT_TRUE(db.open());
+            QSqlQuery q(db);
+            ASSERT_TRUE(q.exec(QStringLiteral("SELECT rootpage FROM sqlite_master WHERE name = '%1'").arg(table)) &&
+                        q.next());
+            root = q.value(0).toInt();
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("pages"));
+        QFile file(connection_);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        const QByteArray header = file.read(100);
+        const auto be = [](const QByteArray &b, qsizetype at, int n) {
+            quint32 v = 0;
+            for (int i = 0; i < n; ++i) v = v << 8 | quint8(b[at + i]);
+            return v;
+        };
+        const qint64 pageSize = be(header, 16, 2) == 1 ? 65536 : be(header, 16, 2);
+        ASSERT_TRUE(file.seek((root - 1) * pageSize));
+        const QByteArray rootPage = file.read(12);
+        ASSERT_EQ(quint8(rootPage[0]), 0x05) << "the table fits one page; it needs more rows";
+        const quint32 last = be(rootPage, 8, 4);  // the right-most child
+        ASSERT_TRUE(file.seek((last - 1) * pageSize));
+        file.write(QByteArray(pageSize, '\xff'));
+    }
+
+    QString conf_;
+};
+
+TEST_P(ScanctlReadFailures, AFailedReadIsAnErrorNamingTheDatabaseAndWhatWasRead) {
+    const QStringList scan{"scan", "--db", connection_, "--conf", conf_, "--job", "J", "--scene", "S", "--element",
+                           "E", "--unscanned"};
+    struct Case {
+        const char *table;
+        QStringList args;
+        const char *what;
+    };
+    const QList<Case> cases = {
+        {"queue_entries", {"queue", "list"}, "the vectorize queue"},
+        {"queue_entries", {"queue", "list", "--state", "waiting"}, "the vectorize queue"},
+        {"queue_entries", {"queue", "show", "1"}, "queue entry 1"},
+        {"queue_entries", {"queue", "done", "1"}, "queue entry 1"},
+        {"queue_entries", {"queue", "take", "--worker", "w"}, "can't take an entry"},
+        {"queue_entries", {"queue", "work", "--worker", "w", "--", "/bin/true"}, "can't take an entry"},
+        {"jobs", {"db", "show"}, "the jobs of environment default"},
+        {"jobs", {"db", "create-job", "K"}, "job 'K'"},
+        {"scenes", {"db", "show", "J"}, "the scenes of job J"},
+        {"elements", {"db", "show", "J", "S"}, "the elements of scene S"},
+        {"cels", {"db", "show", "J", "S", "E"}, "the cels of element E"},
+        {"exposures", {"db", "show", "J", "S", "E"}, "the drawings of element E"},
+        {"cels", scan, "the drawings of element 'E'"},
+    };
+    for (const Case &c : cases) {
+        const QString table = QString::fromLatin1(c.table);
+        ASSERT_TRUE(rawSql(QStringLiteral("ALTER TABLE %1 RENAME TO hidden_%1").arg(table)));
+        expectReadFailure(c.args, QString::fromLatin1(c.what));
+        ASSERT_TRUE(rawSql(QStringLiteral("ALTER TABLE hidden_%1 RENAME TO %1").arg(table)));
+    }
+
+    if (GetParam() == ScanctlBackend::SQLite) {
+        // Enough entries for several pages; the first still read well, the
+        // last page is damaged.
+        ASSERT_TRUE(rawSql(QStringLiteral(
+            "WITH RECURSIVE n(i) AS (SELECT 2 UNION ALL SELECT i + 1 FROM n WHERE i < 300) "
+            "INSERT INTO queue_entries (environment_id, active, job_name, scene_name, element_name, element_id, "
+            "drawing, options, scene_id, process, scene_version, state, created_at) "
+            "SELECT (SELECT id FROM environments WHERE name = 'default'), 1, 'J', 'S', 'E', 1, i, "
+            "hex(zeroblob(150)), 1, 2, 1, 'waiting', 0 FROM n")));
+        ASSERT_NO_FATAL_FAILURE(damageLastPageOf(QStringLiteral("queue_entries")));
+        expectReadFailure({"queue", "list"}, QStringLiteral("the vectorize queue"));
+        expectReadFailure({"queue", "show", "300"}, QStringLiteral("queue entry 300"));
+        return;
+    }
+    PgTestServer &server = PgTestServer::instance();
+    ASSERT_TRUE(server.halt()) << server.error().toStdString();
+    for (const Case &c : cases) {
+        const ProcessResult r = scanctl(c.args);
+        EXPECT_EQ(r.status, 2) << c.args.join(' ').toStdString() << ": " << r.err.toStdString();
+        EXPECT_TRUE(r.err.contains(described())) << r.err.toStdString();
+    }
+    ASSERT_TRUE(server.resume()) << server.error().toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Backends, ScanctlReadFailures,
+                         ::testing::Values(ScanctlBackend::SQLite, ScanctlBackend::PostgreSQL), scanctlBackendName);
 
 }  // namespace

@@ -1,8 +1,10 @@
 // The vectorize queue shared by many processes, on an embedded database and
 // on a PostgreSQL server: stations adding at once lose nothing and double
-// nothing, workers taking at once never get the same entry, and the entry of
-// a worker that was killed goes to another once its lease runs out.
+// nothing, workers taking at once never get the same entry, the entry of a
+// worker that was killed goes to another once its lease runs out, and a
+// living worker's entry runs once, whatever the locks and the server do.
 #include <QElapsedTimer>
+#include <QFile>
 #include <QHash>
 #include <QSet>
 #include <QThread>
@@ -19,10 +21,6 @@ protected:
         ASSERT_NO_FATAL_FAILURE(useBackend(GetParam()));
         if (IsSkipped()) return;
         ASSERT_NO_FATAL_FAILURE(makeProduction());
-    }
-
-    static bool finish(QProcess &p, int timeoutMs = 60000) {
-        return p.waitForFinished(timeoutMs) && p.exitStatus() == QProcess::NormalExit;
     }
 
     // The ids at the start of each line that take printed.
@@ -84,15 +82,15 @@ TEST_P(ScanctlQueueProcesses, FourStationsAddAndThreeWorkersTakeEachEntryOnce) {
 
 TEST_P(ScanctlQueueProcesses, TheEntryOfAKilledWorkerGoesToAnotherWhenItsLeaseRunsOut) {
     ASSERT_EQ(scanctl({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings", "1:2"}).status, 0);
-    // The doomed worker holds entry 1 with a one-second lease, renewed while its program runs.
+    // The doomed worker holds entry 1 with the shortest lease, renewed while its program runs.
     std::unique_ptr<QProcess> doomed =
-        start({"queue", "work", "--worker", "doomed", "--lease", "1", "--", "/bin/sleep", "60"});
+        start({"queue", "work", "--worker", "doomed", "--lease", "2", "--", "/bin/sleep", "60"});
     ASSERT_TRUE(doomed->waitForReadyRead(20000)) << doomed->readAllStandardError().toStdString();
     const QString line = QString::fromUtf8(doomed->readLine());
     ASSERT_TRUE(line.startsWith("taken: 1  taken")) << line.toStdString();
 
     // Longer than the lease: the living worker keeps its entry.
-    QThread::msleep(1600);
+    QThread::msleep(2600);
     ProcessResult r = scanctl({"queue", "take", "--worker", "other", "--lease", "60", "--until-empty"});
     EXPECT_EQ(r.status, 0) << r.err.toStdString();
     EXPECT_EQ(takenIds(r.out), QList<qint64>{2});
@@ -109,7 +107,7 @@ TEST_P(ScanctlQueueProcesses, TheEntryOfAKilledWorkerGoesToAnotherWhenItsLeaseRu
         if (rescued.isEmpty()) QThread::msleep(200);
     }
     EXPECT_EQ(rescued, QList<qint64>{1});
-    EXPECT_LT(waited.elapsed(), 5000) << "the lease should free the entry about a second after the kill";
+    EXPECT_LT(waited.elapsed(), 5000) << "the lease should free the entry about two seconds after the kill";
     r = scanctl({"queue", "done", "1", "--worker", "doomed"});
     EXPECT_EQ(r.status, 2) << "the dead worker's late word is refused";
     EXPECT_EQ(scanctl({"queue", "done", "1", "--worker", "rescuer"}).status, 0);
@@ -117,5 +115,119 @@ TEST_P(ScanctlQueueProcesses, TheEntryOfAKilledWorkerGoesToAnotherWhenItsLeaseRu
 
 INSTANTIATE_TEST_SUITE_P(Backends, ScanctlQueueProcesses,
                          ::testing::Values(ScanctlBackend::SQLite, ScanctlBackend::PostgreSQL), scanctlBackendName);
+
+class ScanctlQueueWorkers : public ScanctlDbTest {
+protected:
+    // The program of the workers: it notes the entry it runs for.
+    QStringList noteRun(const QString &more = QString()) const {
+        return {"/bin/sh", "-c", QStringLiteral("echo \"$SCAN_QUEUE_ID\" >> '%1'%2").arg(dir_.filePath("runs"), more)};
+    }
+    // How often each entry ran.
+    QHash<qint64, int> runs() const {
+        QFile f(dir_.filePath("runs"));
+        QHash<qint64, int> count;
+        if (f.open(QIODevice::ReadOnly))
+            for (const QByteArray &line : f.readAll().split('\n'))
+                if (!line.isEmpty()) ++count[line.toLongLong()];
+        return count;
+    }
+    void expectEachEntryRanOnceAndDone(int entries) {
+        const QHash<qint64, int> count = runs();
+        EXPECT_EQ(count.size(), entries);
+        for (auto it = count.begin(); it != count.end(); ++it) EXPECT_EQ(it.value(), 1) << "entry " << it.key();
+        std::unique_ptr<SqlDbAccess> db = openDirectly();
+        ASSERT_TRUE(db);
+        for (const dba_queueEntry_struct &e : db->queueEntries())
+            EXPECT_EQ(e.state, dba_queueState::Done) << "entry " << e.id;
+    }
+    std::unique_ptr<QProcess> startWorker(const QString &name, const QStringList &program, int lease = 2) const {
+        return start(QStringList{"queue", "work", "--worker", name, "--lease", QString::number(lease), "--until-empty",
+                                 "--"} +
+                     program);
+    }
+};
+
+// Four stations keep the write lock of a SQLite file busy while six workers
+// run short programs under a two-second lease: waiting for the lock to record
+// an outcome must not let the lease lapse and hand the entry to another.
+TEST_F(ScanctlQueueWorkers, UnderFourWritersNoEntryOfALivingWorkerRunsTwice) {
+    ASSERT_NO_FATAL_FAILURE(useBackend(ScanctlBackend::SQLite));
+    ASSERT_NO_FATAL_FAILURE(makeProduction());
+    constexpr int kFirst = 50, kStations = 4, kPerStation = 100, kWorkers = 6;
+    ASSERT_EQ(scanctl({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings",
+                       QStringLiteral("1:%1").arg(kFirst)})
+                  .status,
+              0);
+    std::vector<std::unique_ptr<QProcess>> processes;
+    for (int s = 0; s < kStations; ++s)
+        processes.push_back(start({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings",
+                                   QStringLiteral("%1:%2").arg(kFirst + s * kPerStation + 1).arg(kFirst + (s + 1) * kPerStation)}));
+    for (int w = 0; w < kWorkers; ++w) processes.push_back(startWorker(QStringLiteral("w%1").arg(w), noteRun()));
+    for (auto &p : processes) {
+        ASSERT_TRUE(finish(*p)) << "a process did not end";
+        const QString out = QString::fromUtf8(p->readAllStandardOutput());
+        EXPECT_FALSE(out.contains("no longer ours")) << out.toStdString();
+    }
+    // Workers that found the queue empty before the stations ended leave the rest.
+    std::unique_ptr<QProcess> rest = startWorker(QStringLiteral("rest"), noteRun());
+    ASSERT_TRUE(finish(*rest));
+    expectEachEntryRanOnceAndDone(kFirst + kStations * kPerStation);
+}
+
+// A program and what it starts end with a worker killed in any way.
+TEST_F(ScanctlQueueWorkers, KillingAWorkerEndsItsProgramsWholeProcessGroup) {
+    ASSERT_NO_FATAL_FAILURE(useBackend(ScanctlBackend::SQLite));
+    ASSERT_NO_FATAL_FAILURE(makeProduction());
+    for (int sig : {SIGKILL, SIGTERM, SIGINT}) {
+        SCOPED_TRACE(sig);
+        ASSERT_EQ(scanctl({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings", "1"}).status, 0);
+        const QString pidFile = dir_.filePath(QStringLiteral("grandchild%1").arg(sig));
+        std::unique_ptr<QProcess> worker = startWorker(
+            QStringLiteral("w"), {"/bin/sh", "-c", QStringLiteral("sleep 300 & echo $! > '%1'; wait").arg(pidFile)}, 60);
+        QElapsedTimer waited;
+        waited.start();
+        pid_t grandchild = 0;
+        while (grandchild == 0 && waited.elapsed() < 10000) {
+            QThread::msleep(20);
+            QFile f(pidFile);
+            if (f.open(QIODevice::ReadOnly)) grandchild = f.readAll().trimmed().toInt();
+        }
+        ASSERT_GT(grandchild, 0) << worker->readAllStandardError().toStdString();
+        ::kill(pid_t(worker->processId()), sig);
+        ASSERT_TRUE(worker->waitForFinished(5000));
+        // Gone, or a zombie that nobody reaps in a container.
+        const auto alive = [grandchild] {
+            QFile stat(QStringLiteral("/proc/%1/stat").arg(grandchild));
+            return stat.open(QIODevice::ReadOnly) && QString::fromLatin1(stat.readAll()).section(QLatin1Char(' '), 2, 2) != QLatin1String("Z");
+        };
+        waited.restart();
+        while (alive() && waited.elapsed() < 5000) QThread::msleep(20);
+        EXPECT_FALSE(alive()) << "the program's child outlived its killed worker";
+        if (alive()) ::kill(grandchild, SIGKILL);
+    }
+}
+
+// The server goes away under a worker and comes back: the worker says so,
+// reconnects and records its entry, which nobody else took.
+TEST_F(ScanctlQueueWorkers, AWorkerThatLosesItsServerReconnectsAndGoesOn) {
+    ASSERT_NO_FATAL_FAILURE(useBackend(ScanctlBackend::PostgreSQL));
+    if (IsSkipped()) return;
+    ASSERT_NO_FATAL_FAILURE(makeProduction());
+    ASSERT_EQ(scanctl({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings", "1:2"}).status, 0);
+    std::unique_ptr<QProcess> worker =
+        startWorker(QStringLiteral("w"), noteRun(QStringLiteral("; [ $SCAN_QUEUE_ID != 1 ] || sleep 3")));
+    ASSERT_TRUE(worker->waitForReadyRead(20000)) << worker->readAllStandardError().toStdString();
+    PgTestServer &server = PgTestServer::instance();
+    ASSERT_TRUE(server.halt()) << server.error().toStdString();
+    QThread::msleep(2500);  // longer than the lease: it lapses, but nobody takes the entry
+    ASSERT_TRUE(server.resume()) << server.error().toStdString();
+    ASSERT_TRUE(finish(*worker));
+    const QString out = QString::fromUtf8(worker->readAllStandardOutput());
+    const QString err = QString::fromUtf8(worker->readAllStandardError());
+    EXPECT_EQ(worker->exitCode(), 0) << out.toStdString() << err.toStdString();
+    EXPECT_TRUE(err.contains("connection lost")) << err.toStdString();
+    EXPECT_FALSE(out.contains("no longer ours")) << out.toStdString();
+    expectEachEntryRanOnceAndDone(2);
+}
 
 }  // namespace

@@ -29,7 +29,7 @@ constexpr const char *kUsage =
     "  A scene's folder (DIR) and an element's folder (the element's name inside the\n"
     "  scene's folder) are made when missing. LIST is written as in the manual list:\n"
     "  \"1:10 12 7b\". Exit status: 0 done, 1 usage error, 2 refused by the database\n"
-    "  (unknown or duplicate names, a database that can't be opened).\n";
+    "  (unknown or duplicate names, a database that can't be opened or read).\n";
 
 constexpr const char *kGroup = "db";
 
@@ -66,18 +66,26 @@ bool make_folder(const QString &path, QString &error) {
 }
 
 int init(SqlDbAccess &db, const CommandWords &) {
-    DbConnectionSettings settings;
-    DbConnectionSettings::parse(db.connectionString(), settings);
-    QTextStream(stdout) << "database: " << settings.describe() << "\n"
-                        << "schema version: " << db.schemaVersion() << "\n"
+    const int version = db.schemaVersion();
+    if (version < 0) return refused(read_failure(db, QStringLiteral("the schema version")));
+    QTextStream(stdout) << "database: " << db.description() << "\n"
+                        << "schema version: " << version << "\n"
                         << "environment: " << db.envName() << "\n";
     return kDbStatusOk;
+}
+
+// Refuses a name that a lookup found, or that could not be looked up.
+std::optional<int> refuse_existing(SqlDbAccess &db, bool found, const QString &what, const QString &where) {
+    if (found) return refused(QStringLiteral("%1 already exists%2").arg(what, where));
+    if (!db.lastError().isEmpty()) return refused(read_failure(db, what));
+    return std::nullopt;
 }
 
 int create_job(SqlDbAccess &db, const CommandWords &w) {
     const QString &name = w.positional[0];
     if (name.isEmpty()) return bad_value(QStringLiteral("a job needs a name"));
-    if (db.findJob(name)) return refused(QStringLiteral("job '%1' already exists").arg(name));
+    if (const auto r = refuse_existing(db, db.findJob(name).has_value(), QStringLiteral("job '%1'").arg(name), {}))
+        return *r;
     const std::optional<dba_job_struct> job = db.createJob(name);
     if (!job) return refused(QStringLiteral("can't make job '%1': %2").arg(name, db.lastError()));
     QTextStream(stdout) << "job " << job->name << " made in environment " << job->environment << "\n";
@@ -90,9 +98,10 @@ int create_scene(SqlDbAccess &db, const CommandWords &w) {
     if (!fit_for_folder(name)) return bad_value(QStringLiteral("'%1' is not a scene name").arg(name));
     ProductionPath p;
     QString error;
-    if (!find_production(db, w.positional.mid(0, 1), p, error)) return refused(error);
-    if (db.findScene(p.job->id, name))
-        return refused(QStringLiteral("scene '%1' already exists in job '%2'").arg(name, p.job->name));
+    if (find_production(db, w.positional.mid(0, 1), p, error) != Lookup::Found) return refused(error);
+    if (const auto r = refuse_existing(db, db.findScene(p.job->id, name).has_value(),
+                                       QStringLiteral("scene '%1'").arg(name), QStringLiteral(" in job '%1'").arg(p.job->name)))
+        return *r;
     const QString folder = QDir(w.value(QStringLiteral("--path"))).absolutePath();
     if (!make_folder(folder, error)) return refused(error);
     const std::optional<dba_scene_struct> scene = db.createScene(p.job->id, name, folder);
@@ -149,11 +158,13 @@ std::optional<LMV_element_data> element_settings(const CommandWords &w, int pixe
 int create_element(SqlDbAccess &db, const CommandWords &w) {
     ProductionPath p;
     QString error;
-    if (!find_production(db, w.positional.mid(0, 2), p, error)) return refused(error);
+    if (find_production(db, w.positional.mid(0, 2), p, error) != Lookup::Found) return refused(error);
     const std::optional<LMV_element_data> settings = element_settings(w, p.job->pixelShape, error);
     if (!settings) return bad_value(error);
-    if (db.findElement(p.scene->id, settings->name))
-        return refused(QStringLiteral("element '%1' already exists in scene '%2'").arg(settings->name, p.scene->name));
+    if (const auto r = refuse_existing(db, db.findElement(p.scene->id, settings->name).has_value(),
+                                       QStringLiteral("element '%1'").arg(settings->name),
+                                       QStringLiteral(" in scene '%1'").arg(p.scene->name)))
+        return *r;
     const QString folder = element_folder(*p.scene, *settings);
     if (!make_folder(folder, error)) return refused(error);
     const std::optional<LMV_element_data> e = db.createElement(p.scene->id, *settings);
@@ -172,10 +183,13 @@ int expose(SqlDbAccess &db, const CommandWords &w) {
     if (names.isEmpty()) return bad_value(QStringLiteral("the list names no drawing"));
     ProductionPath p;
     QString error;
-    if (!find_production(db, w.positional.mid(0, 3), p, error)) return refused(error);
+    if (find_production(db, w.positional.mid(0, 3), p, error) != Lookup::Found) return refused(error);
     const int added = db.exposeDrawings(p.element->id, names);
-    if (added < 0) return refused(QStringLiteral("can't expose the drawings: %1").arg(db.lastError()));
+    if (added < 0)
+        return refused(QStringLiteral("can't expose the drawings in %1: %2").arg(db.description(), db.lastError()));
     const qsizetype total = db.dba_ExposedDrawings(&*p.scene, p.element->id).size();
+    if (!db.lastError().isEmpty())
+        return refused(read_failure(db, QStringLiteral("the drawings of element %1").arg(p.element->name)));
     QTextStream(stdout) << added << " drawings newly exposed; element " << p.element->name << " exposes " << total
                         << "\n";
     return kDbStatusOk;
@@ -189,48 +203,69 @@ QString element_summary(const LMV_element_data &e) {
         .arg(e.pixelShape);
 }
 
-void show_scene(SqlDbAccess &db, const dba_scene_struct &scene, QTextStream &out) {
+// Each show_ writes its part to `out`; false, with `error`, when a read failed.
+bool show_scene(SqlDbAccess &db, const dba_scene_struct &scene, QTextStream &out, QString &error) {
+    const auto elements = checked(db, db.elements(scene.id), QStringLiteral("the elements of scene %1").arg(scene.name), error);
+    if (!elements) return false;
     out << "  scene " << scene.name << "  " << DBA_Path::getScenePath(scene.path) << "\n";
-    for (const LMV_element_data &e : db.elements(scene.id))
-        out << "    element " << e.name << "  " << element_summary(e) << "\n";
+    for (const LMV_element_data &e : *elements) out << "    element " << e.name << "  " << element_summary(e) << "\n";
+    return true;
 }
 
-void show_job(SqlDbAccess &db, const dba_job_struct &job, QTextStream &out) {
+bool show_job(SqlDbAccess &db, const dba_job_struct &job, QTextStream &out, QString &error) {
+    const auto scenes = checked(db, db.scenes(job.id), QStringLiteral("the scenes of job %1").arg(job.name), error);
+    if (!scenes) return false;
     out << "job " << job.name << "\n";
-    for (const dba_scene_struct &scene : db.scenes(job.id)) show_scene(db, scene, out);
+    for (const dba_scene_struct &scene : *scenes)
+        if (!show_scene(db, scene, out, error)) return false;
+    return true;
 }
 
 // The element, then each drawing it exposes with the number of scans of its cel.
-void show_element(SqlDbAccess &db, const ProductionPath &p, QTextStream &out) {
+bool show_element(SqlDbAccess &db, const ProductionPath &p, QTextStream &out, QString &error) {
     const LMV_element_data &e = *p.element;
+    const auto cels = checked(db, db.cels(e.id), QStringLiteral("the cels of element %1").arg(e.name), error);
+    if (!cels) return false;
     QHash<QString, int> scans;
-    for (const dba_cel_struct &cel : db.cels(e.id)) scans.insert(cel.drawingName(), cel.scanCount);
-    const QStringList drawings = db.dba_ExposedDrawings(&*p.scene, e.id);
+    for (const dba_cel_struct &cel : *cels) scans.insert(cel.drawingName(), cel.scanCount);
+    const auto drawings = checked(db, db.dba_ExposedDrawings(&*p.scene, e.id),
+                                  QStringLiteral("the drawings of element %1").arg(e.name), error);
+    if (!drawings) return false;
     qsizetype scanned = 0;
-    for (const QString &d : drawings) scanned += scans.value(d) > 0;
+    for (const QString &d : *drawings) scanned += scans.value(d) > 0;
     out << "element " << e.name << " of job " << p.job->name << ", scene " << p.scene->name << "\n"
         << "  " << element_summary(e) << "\n"
         << "  folder: " << element_folder(*p.scene, e) << "\n"
-        << "  drawings: " << drawings.size() << " exposed, " << scanned << " scanned\n";
-    for (const QString &d : drawings) out << "    " << d.leftJustified(10) << " " << scans.value(d) << " scans\n";
+        << "  drawings: " << drawings->size() << " exposed, " << scanned << " scanned\n";
+    for (const QString &d : *drawings) out << "    " << d.leftJustified(10) << " " << scans.value(d) << " scans\n";
+    return true;
 }
 
 int show(SqlDbAccess &db, const CommandWords &w) {
     ProductionPath p;
     QString error;
-    if (!find_production(db, w.positional, p, error)) return refused(error);
-    QTextStream out(stdout);
+    if (find_production(db, w.positional, p, error) != Lookup::Found) return refused(error);
+    // Printed once all is read: a failure part way prints nothing but the reason.
+    QString text;
+    QTextStream out(&text);
+    bool ok = true;
     if (p.element) {
-        show_element(db, p, out);
+        ok = show_element(db, p, out, error);
     } else if (p.scene) {
         out << "job " << p.job->name << "\n";
-        show_scene(db, *p.scene, out);
+        ok = show_scene(db, *p.scene, out, error);
     } else if (p.job) {
-        show_job(db, *p.job, out);
+        ok = show_job(db, *p.job, out, error);
     } else {
         out << "environment " << db.envName() << "\n";
-        for (const dba_job_struct &job : db.jobs()) show_job(db, job, out);
+        const auto jobs = checked(db, db.jobs(), QStringLiteral("the jobs of environment %1").arg(db.envName()), error);
+        ok = jobs.has_value();
+        for (const dba_job_struct &job : jobs.value_or(std::vector<dba_job_struct>()))
+            if (ok) ok = show_job(db, job, out, error);
     }
+    if (!ok) return refused(error);
+    out.flush();
+    std::fputs(text.toLocal8Bit().constData(), stdout);
     return kDbStatusOk;
 }
 

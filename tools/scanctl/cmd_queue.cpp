@@ -28,15 +28,16 @@ constexpr const char *kUsage =
     "  list prints one line per entry of every environment, oldest first: id, state,\n"
     "  job/scene/element, drawing, process and the worker that holds or held it. take\n"
     "  hands the oldest available entries of the environment to NAME for the lease\n"
-    "  (default 300 s) and prints each as list does; an entry whose lease ran out is\n"
-    "  available again.\n"
+    "  (default 300 s, at least 2 s) and prints each as list does; an entry whose\n"
+    "  lease ran out is available again.\n"
     "  With --worker, done and fail refuse an entry that NAME no longer holds.\n"
     "  add places each drawing of LIST (manual list syntax) on the queue as the station\n"
     "  does after a scan. work takes entries one at a time and runs PROGRAM for each\n"
-    "  (see the README for its environment), renewing the lease while it runs: exit 0\n"
-    "  marks the entry done, anything else failed.\n"
+    "  (see the README for its environment), renewing the lease until the outcome is\n"
+    "  recorded: exit 0 marks the entry done, anything else failed. The program and all\n"
+    "  it starts end with the worker; a lost server is reconnected to.\n"
     "  Exit status: 0 done, 1 usage error, 2 refused (unknown names or entries, an entry\n"
-    "  in the wrong state, a database that can't be opened), 3 nothing to take.\n";
+    "  in the wrong state, a database that can't be opened or read), 3 nothing to take.\n";
 
 constexpr const char *kGroup = "queue";
 constexpr int kDefaultLeaseSeconds = 300;
@@ -52,8 +53,11 @@ int list(SqlDbAccess &db, const CommandWords &w) {
             return bad_value(QStringLiteral("--state: '%1' is not a state").arg(w.value(QStringLiteral("--state"))));
         state = s;
     }
+    QString error;
+    const auto entries = checked(db, db.queueEntries(state), QStringLiteral("the vectorize queue"), error);
+    if (!entries) return refused(error);
     QTextStream out(stdout);
-    for (const dba_queueEntry_struct &e : db.queueEntries(state)) out << queue_entry_line(e) << "\n";
+    for (const dba_queueEntry_struct &e : *entries) out << queue_entry_line(e) << "\n";
     return kDbStatusOk;
 }
 
@@ -65,7 +69,9 @@ std::optional<dba_queueEntry_struct> entry_argument(SqlDbAccess &db, const Comma
         return std::nullopt;
     }
     std::optional<dba_queueEntry_struct> e = db.queueEntry(*id);
-    if (!e) status = refused(QStringLiteral("no entry %1").arg(*id));
+    if (!e)
+        status = refused(db.lastError().isEmpty() ? QStringLiteral("no entry %1").arg(*id)
+                                                  : read_failure(db, QStringLiteral("queue entry %1").arg(*id)));
     return e;
 }
 
@@ -98,7 +104,10 @@ int take(SqlDbAccess &db, const CommandWords &w) {
     }
     // An empty queue leaves no error behind; a failed take does.
     if (!db.lastError().isEmpty())
-        return refused(QStringLiteral("can't take an entry (%1 taken): %2").arg(taken).arg(db.lastError()));
+        return refused(QStringLiteral("can't take an entry from %1 (%2 taken): %3")
+                           .arg(db.description())
+                           .arg(taken)
+                           .arg(db.lastError()));
     if (taken > 0) return kDbStatusOk;
     return report_failure(kGroup, QStringLiteral("nothing to take"), kDbStatusQueueEmpty);
 }
@@ -111,6 +120,10 @@ int finish(SqlDbAccess &db, const CommandWords &w, bool failed) {
     const QString worker = w.value(QStringLiteral("--worker"));
     const int r = failed ? db.failQueueEntry(e->id, w.positional[1], worker) : db.finishQueueEntry(e->id, worker);
     if (r != 0) {
+        if (db.lastFailure() != SqlDbAccess::Failure::NotHeld)
+            return refused(QStringLiteral("can't record the outcome of entry %1 in %2: %3")
+                               .arg(e->id)
+                               .arg(db.description(), db.lastError()));
         if (e->state == dba_queueState::Taken && !worker.isEmpty())
             return refused(QStringLiteral("entry %1 is held by %2, not %3").arg(e->id).arg(e->worker, worker));
         return refused(QStringLiteral("entry %1 is %2, not taken").arg(e->id).arg(dba_queueStateName(e->state)));
@@ -130,7 +143,7 @@ int add(SqlDbAccess &db, const CommandWords &w) {
     if (!list.ok) return bad_value(list.error);
     ProductionPath p;
     QString error;
-    if (!find_production(db, {w.value("--job"), w.value("--scene"), w.value("--element")}, p, error))
+    if (find_production(db, {w.value("--job"), w.value("--scene"), w.value("--element")}, p, error) != Lookup::Found)
         return refused(error);
     const LMV_element_data &element = *p.element;
     if (element.needsVectorization == LMV_VECTORIZE_NONE)
@@ -138,7 +151,7 @@ int add(SqlDbAccess &db, const CommandWords &w) {
 
     std::unique_ptr<dba_queue_struct> queue;
     if (db.dba_OpenQueue(0, db.envName(), &queue) != 0)
-        return refused(QStringLiteral("can't open the vectorize queue: %1").arg(db.lastError()));
+        return refused(QStringLiteral("can't open the vectorize queue of %1: %2").arg(db.description(), db.lastError()));
     int added = 0;
     for (const QString &drawing : list.names) {
         if (drawing.isEmpty()) continue;
@@ -156,7 +169,10 @@ int add(SqlDbAccess &db, const CommandWords &w) {
         entry.scene = &*p.scene;
         entry.sceneVersion = p.scene->version;
         if (db.dba_AddQueueEntry(queue.get(), &entry) != 0) {
-            error = QStringLiteral("can't add drawing %1 (%2 added before it): %3").arg(drawing).arg(added).arg(db.lastError());
+            error = QStringLiteral("can't add drawing %1 to the vectorize queue of %2 (%3 added before it): %4")
+                        .arg(drawing, db.description())
+                        .arg(added)
+                        .arg(db.lastError());
             db.dba_CloseQueue(&queue);
             return refused(error);
         }

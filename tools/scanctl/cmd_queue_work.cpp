@@ -1,74 +1,208 @@
 // scanctl queue work: takes entries one at a time and runs a program for
-// each, with the entry in its environment. The lease is renewed while the
-// program runs, so a short lease only has to cover the time between two
-// renewals: when this worker dies, its entry is free again soon after.
+// each, with the entry in its environment.
+//
+// An entry runs once while its worker lives. The lease is renewed at every
+// third of it while the program runs and until its outcome is recorded; a
+// wait for another session's lock is cut at a quarter of the lease and tried
+// again, so that no single wait can outlast it; and the worker counts its
+// lease from when a renewal began, never from when it was answered. A lost
+// connection is opened again with back-off, and the entry is given up only
+// when the database says another worker holds it. The program leads a
+// process group of its own, which ends with it and with its worker.
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QTextStream>
+#include <QThread>
 
 #include <algorithm>
-#include <csignal>
-#include <sys/prctl.h>
+#include <cstdio>
+#include <functional>
 
 #include "tools/scanctl/open_database.h"
+#include "tools/scanctl/process_group.h"
 #include "tools/scanctl/queue_entry_text.h"
 #include "tools/scanctl/queue_work.h"
 
 namespace {
 
 constexpr const char *kGroup = "queue work";
+constexpr int kMinLeaseSeconds = 2;
 constexpr int kMaxLeaseSeconds = 7 * 24 * 3600;
+constexpr int kFirstBackOffMs = 250;
+constexpr int kLastBackOffMs = 5000;
 
-enum class Outcome { Done, Failed, LeaseLost };
+// How a call to the database ended once it was tried as often as it takes.
+enum class Answer { Ok, NotHeld, Failed };
 
-QProcessEnvironment entry_environment(SqlDbAccess &db, const dba_queueEntry_struct &e) {
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("SCAN_QUEUE_ID"), QString::number(e.id));
-    env.insert(QStringLiteral("SCAN_JOB"), e.jobName);
-    env.insert(QStringLiteral("SCAN_SCENE"), e.sceneName);
-    env.insert(QStringLiteral("SCAN_ELEMENT"), e.elementName);
-    env.insert(QStringLiteral("SCAN_DRAWING"), e.drawing);
-    env.insert(QStringLiteral("SCAN_PROCESS"), queue_process_word(e.process));
-    env.insert(QStringLiteral("SCAN_OPTIONS"), e.options);
-    ProductionPath p;
-    QString error;
-    if (find_production(db, {e.jobName, e.sceneName, e.elementName}, p, error))
-        env.insert(QStringLiteral("SCAN_ELEMENT_DIR"), element_folder(*p.scene, *p.element));
-    return env;
-}
+// The worker's news on standard error.
+void note(const QString &text) { std::fprintf(stderr, "scanctl %s: %s\n", kGroup, text.toLocal8Bit().constData()); }
 
-// Runs the program for the entry while renewing the lease; `message` says
-// why it failed.
-Outcome run_for_entry(SqlDbAccess &db, const dba_queueEntry_struct &e, const QueueWorkerSettings &s,
-                      const QStringList &command, QString &message) {
-    QProcess p;
-    p.setProcessEnvironment(entry_environment(db, e));
-    p.setProcessChannelMode(QProcess::ForwardedOutputChannel);
-    // The program must not outlive a worker that was killed: its entry goes
-    // to another worker once the lease runs out.
-    p.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
-    p.start(command[0], command.mid(1));
-    if (!p.waitForStarted()) {
-        message = QStringLiteral("can't start %1: %2").arg(command[0], p.errorString());
-        return Outcome::Failed;
+class Worker {
+public:
+    Worker(SqlDbAccess &db, const QueueWorkerSettings &s, const QStringList &command)
+        : db_(db), s_(s), command_(command), out_(stdout) {
+        clock_.start();
+        db_.setLockWait(leaseMs() / 4);
     }
-    const int renewEveryMs = std::max(200, s.leaseSeconds * 1000 / 3);
-    while (!p.waitForFinished(renewEveryMs) && p.state() != QProcess::NotRunning) {
-        if (db.renewQueueLease(e.id, s.worker, s.leaseSeconds) != 0) {
-            p.kill();
-            p.waitForFinished();
-            message = QStringLiteral("lost the lease on entry %1").arg(e.id);
-            return Outcome::LeaseLost;
+
+    int run() {
+        if (!guard_.ok())
+            return report_failure(kGroup, QStringLiteral("can't start the guard of the programs' processes"),
+                                  kDbStatusRefused);
+        int taken = 0, unfinished = 0;
+        do {
+            std::optional<dba_queueEntry_struct> e;
+            const Answer a = call([&] {
+                e = db_.takeQueueEntry(s_.worker, s_.leaseSeconds);
+                return e || db_.lastError().isEmpty();
+            });
+            if (a != Answer::Ok) return failed(QStringLiteral("can't take an entry from %1").arg(db_.description()));
+            if (!e) break;
+            ++taken;
+            leaseFrom_ = attemptStart_;
+            out_ << "taken: " << queue_entry_line(*e) << "\n";
+            out_.flush();
+            const std::optional<bool> done = work(*e);
+            if (!done) return kDbStatusRefused;
+            unfinished += !*done;
+        } while (s_.untilEmpty);
+        if (taken == 0) return report_failure(kGroup, QStringLiteral("nothing to take"), kDbStatusQueueEmpty);
+        return unfinished == 0 ? kDbStatusOk : kDbStatusRefused;
+    }
+
+private:
+    int leaseMs() const { return s_.leaseSeconds * 1000; }
+
+    // Tries `attempt` (true when answered) until it is answered: again at
+    // once when another session held the lock too long, after reopening the
+    // connection when it was lost.
+    Answer call(const std::function<bool()> &attempt) {
+        int backOff = kFirstBackOffMs;
+        bool lost = false;
+        for (;;) {
+            attemptStart_ = clock_.elapsed();
+            if (attempt()) {
+                if (lost) note(QStringLiteral("reconnected to %1").arg(db_.description()));
+                return Answer::Ok;
+            }
+            switch (db_.lastFailure()) {
+            case SqlDbAccess::Failure::Busy: continue;
+            case SqlDbAccess::Failure::NotHeld: return Answer::NotHeld;
+            case SqlDbAccess::Failure::None:
+            case SqlDbAccess::Failure::Other: return Answer::Failed;
+            case SqlDbAccess::Failure::ConnectionLost:
+                if (!lost)
+                    note(QStringLiteral("connection lost to %1 (%2); reconnecting")
+                             .arg(db_.description(), db_.lastError().trimmed()));
+                lost = true;
+                QThread::msleep(backOff);
+                backOff = std::min(2 * backOff, kLastBackOffMs);
+                db_.reconnect();  // a failure shows at the next attempt
+                continue;
+            }
         }
     }
-    const QStringList errors =
-        QString::fromLocal8Bit(p.readAllStandardError()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    if (p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0) return Outcome::Done;
-    message = p.exitStatus() == QProcess::NormalExit ? QStringLiteral("%1 exited with status %2").arg(command[0]).arg(p.exitCode())
-                                                     : QStringLiteral("%1 crashed").arg(command[0]);
-    if (!errors.isEmpty()) message += QStringLiteral(": ") + errors.last();
-    return Outcome::Failed;
-}
+
+    // Reports a database failure that ends the worker.
+    int failed(const QString &what) {
+        return report_failure(kGroup, QStringLiteral("%1: %2").arg(what, db_.lastError()), kDbStatusRefused);
+    }
+
+    // Renews the lease when a third of it has gone since the last renewal began.
+    Answer keepLease(const dba_queueEntry_struct &e) {
+        if (clock_.elapsed() < leaseFrom_ + leaseMs() / 3) return Answer::Ok;
+        const Answer a = call([&] { return db_.renewQueueLease(e.id, s_.worker, s_.leaseSeconds) == 0; });
+        if (a == Answer::Ok) leaseFrom_ = attemptStart_;
+        return a;
+    }
+
+    QProcessEnvironment entryEnvironment(const dba_queueEntry_struct &e, Answer &answer) {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("SCAN_QUEUE_ID"), QString::number(e.id));
+        env.insert(QStringLiteral("SCAN_JOB"), e.jobName);
+        env.insert(QStringLiteral("SCAN_SCENE"), e.sceneName);
+        env.insert(QStringLiteral("SCAN_ELEMENT"), e.elementName);
+        env.insert(QStringLiteral("SCAN_DRAWING"), e.drawing);
+        env.insert(QStringLiteral("SCAN_PROCESS"), queue_process_word(e.process));
+        env.insert(QStringLiteral("SCAN_OPTIONS"), e.options);
+        ProductionPath p;
+        QString error;
+        Lookup found = Lookup::Missing;
+        answer = call([&] { return (found = find_production(db_, {e.jobName, e.sceneName, e.elementName}, p, error)) !=
+                                   Lookup::Failed; });
+        if (found == Lookup::Found) env.insert(QStringLiteral("SCAN_ELEMENT_DIR"), element_folder(*p.scene, *p.element));
+        return env;
+    }
+
+    // Runs the program for the entry and records its outcome: whether it was
+    // done, nothing when the database failed the worker.
+    std::optional<bool> work(const dba_queueEntry_struct &e) {
+        Answer a;
+        QProcess p;
+        p.setProcessEnvironment(entryEnvironment(e, a));
+        if (a == Answer::Ok) a = keepLease(e);
+        if (a != Answer::Ok) return lostOrFailed(e, a);
+        p.setProcessChannelMode(QProcess::ForwardedOutputChannel);
+        p.setChildProcessModifier(lead_new_process_group);
+        p.start(command_[0], command_.mid(1));
+        if (!p.waitForStarted()) {
+            return record(e, QStringLiteral("can't start %1: %2").arg(command_[0], p.errorString()));
+        }
+        const pid_t group = pid_t(p.processId());
+        guard_.watch(group);
+        for (;;) {
+            const qint64 due = leaseFrom_ + leaseMs() / 3 - clock_.elapsed();
+            if (p.waitForFinished(int(std::max<qint64>(1, due))) || p.state() == QProcess::NotRunning) break;
+            if ((a = keepLease(e)) != Answer::Ok) break;
+        }
+        // What the program left running ends with it.
+        kill_process_group(group);
+        p.waitForFinished();
+        guard_.watch(0);
+        if (a != Answer::Ok) return lostOrFailed(e, a);
+        if (p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0) return record(e, QString());
+        QString message = p.exitStatus() == QProcess::NormalExit
+                              ? QStringLiteral("%1 exited with status %2").arg(command_[0]).arg(p.exitCode())
+                              : QStringLiteral("%1 crashed").arg(command_[0]);
+        const QStringList errors =
+            QString::fromLocal8Bit(p.readAllStandardError()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        if (!errors.isEmpty()) message += QStringLiteral(": ") + errors.last();
+        return record(e, message);
+    }
+
+    // Records done (no message) or failed; the lease holds until it is recorded.
+    std::optional<bool> record(const dba_queueEntry_struct &e, const QString &message) {
+        const Answer a = call([&] {
+            return (message.isEmpty() ? db_.finishQueueEntry(e.id, s_.worker)
+                                      : db_.failQueueEntry(e.id, message, s_.worker)) == 0;
+        });
+        if (a != Answer::Ok) return lostOrFailed(e, a);
+        if (message.isEmpty()) out_ << "done: " << e.id << "\n";
+        else out_ << "failed: " << e.id << ": " << message << "\n";
+        out_.flush();
+        return message.isEmpty();
+    }
+
+    std::optional<bool> lostOrFailed(const dba_queueEntry_struct &e, Answer a) {
+        if (a == Answer::Failed) {
+            failed(QStringLiteral("can't keep entry %1 in %2").arg(e.id).arg(db_.description()));
+            return std::nullopt;
+        }
+        out_ << "failed: " << e.id << ": entry " << e.id << " was no longer ours\n";
+        out_.flush();
+        return false;
+    }
+
+    SqlDbAccess &db_;
+    const QueueWorkerSettings &s_;
+    const QStringList &command_;
+    QTextStream out_;
+    ProcessGroupGuard guard_;
+    QElapsedTimer clock_;
+    qint64 attemptStart_ = 0;  // when the last call's last attempt began
+    qint64 leaseFrom_ = 0;     // the lease runs at least a lease from here
+};
 
 }  // namespace
 
@@ -85,6 +219,14 @@ std::optional<QueueWorkerSettings> queue_worker_settings(const CommandWords &w, 
             error = QStringLiteral("--lease: '%1' is not a number of seconds").arg(w.value(QStringLiteral("--lease")));
             return std::nullopt;
         }
+        // A renewal every third of the lease, each waiting a quarter of it
+        // for the lock at most: shorter leases leave no room for a retry.
+        if (*lease < kMinLeaseSeconds) {
+            error = QStringLiteral("--lease: %1 s is too short to be renewed in time; at least %2 s")
+                        .arg(*lease)
+                        .arg(kMinLeaseSeconds);
+            return std::nullopt;
+        }
         s.leaseSeconds = *lease;
     }
     s.untilEmpty = w.flags.contains(QStringLiteral("--until-empty"));
@@ -96,33 +238,5 @@ int run_queue_work(SqlDbAccess &db, const CommandWords &w) {
     const std::optional<QueueWorkerSettings> s = queue_worker_settings(w, error);
     if (!s) return report_failure(kGroup, error, kDbStatusUsage);
     if (w.rest.isEmpty()) return report_failure(kGroup, QStringLiteral("no program after --"), kDbStatusUsage);
-
-    QTextStream out(stdout);
-    int taken = 0, unfinished = 0;
-    do {
-        const std::optional<dba_queueEntry_struct> e = db.takeQueueEntry(s->worker, s->leaseSeconds);
-        if (!e) {
-            // An empty queue leaves no error behind; a failed take does.
-            if (!db.lastError().isEmpty())
-                return report_failure(kGroup, QStringLiteral("can't take an entry: %1").arg(db.lastError()),
-                                      kDbStatusRefused);
-            break;
-        }
-        ++taken;
-        out << "taken: " << queue_entry_line(*e) << "\n";
-        out.flush();
-        QString message;
-        const Outcome outcome = run_for_entry(db, *e, *s, w.rest, message);
-        if (outcome == Outcome::Done && db.finishQueueEntry(e->id, s->worker) == 0) {
-            out << "done: " << e->id << "\n";
-        } else {
-            if (outcome == Outcome::Failed) db.failQueueEntry(e->id, message, s->worker);
-            else if (outcome == Outcome::Done) message = QStringLiteral("entry %1 was no longer ours").arg(e->id);
-            out << "failed: " << e->id << ": " << message << "\n";
-            ++unfinished;
-        }
-        out.flush();
-    } while (s->untilEmpty);
-    if (taken == 0) return report_failure(kGroup, QStringLiteral("nothing to take"), kDbStatusQueueEmpty);
-    return unfinished == 0 ? kDbStatusOk : kDbStatusRefused;
+    return Worker(db, *s, w.rest).run();
 }

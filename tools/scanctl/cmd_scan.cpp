@@ -16,6 +16,7 @@
 #include "suite/db/drawing_selection_data.h"
 #include "suite/db/sql_db_access.h"
 #include "tools/scanctl/command.h"
+#include "tools/scanctl/open_database.h"
 #include "tools/scanctl/scan_arguments.h"
 #include "workflow/config.h"
 #include "workflow/dbinfo.h"
@@ -245,28 +246,26 @@ int run_session(const ScanArguments &a, CommandLineWindow &window, const ListBui
     return summary(config, folder, failed);
 }
 
-// Job, scene and element as the database selector chooses them.
-bool select_element(SqlDbAccess &db, const ScanArguments &a, QString &error) {
-    if (db.selectJob(a.job) != 0) {
-        error = QStringLiteral("no job '%1' in environment '%2'").arg(a.job, db.envName());
+// Job, scene and element as the database selector chooses them, and the
+// drawings to scan: those named, or the ones its scene exposes that were
+// never scanned, in the selector's order. False, with `error`, for a name
+// the database does not know, nothing to scan, or a database that could
+// not be read.
+bool choose_element_drawings(SqlDbAccess &db, const ScanArguments &a, QStringList &names, QString &error) {
+    ProductionPath p;
+    if (find_production(db, {a.job, a.scene, a.element}, p, error) != Lookup::Found) return false;
+    if (db.selectJob(a.job) != 0 || db.selectScene(a.scene) != 0 || db.selectElement(a.element) != 0) {
+        error = read_failure(db, QStringLiteral("element '%1'").arg(a.element));
         return false;
     }
-    if (db.selectScene(a.scene) != 0) {
-        error = QStringLiteral("no scene '%1' in job '%2'").arg(a.scene, a.job);
-        return false;
-    }
-    if (db.selectElement(a.element) != 0) {
-        error = QStringLiteral("no element '%1' in scene '%2'").arg(a.element, a.scene);
-        return false;
-    }
-    return true;
-}
-
-// The drawings of the element to scan: those named, or the ones its scene
-// exposes that were never scanned, in the selector's order.
-bool element_drawings(SqlDbAccess &db, const ScanArguments &a, QStringList &names, QString &error) {
     if (!a.unscanned) return list_names(a.drawings, names, error);
-    for (const DrawingSelectorRow &row : drawingSelectorRows(db, db.openScene(), db.selectedElementId()))
+    QString why;
+    const auto rows = drawingSelectorRows(db, db.openScene(), db.selectedElementId(), &why);
+    if (!rows) {
+        error = read_failure(db, QStringLiteral("the drawings of element '%1'").arg(a.element), why);
+        return false;
+    }
+    for (const DrawingSelectorRow &row : *rows)
         if (!row.scanned) names << row.name;
     if (names.isEmpty()) error = QStringLiteral("element '%1' has no unscanned drawings").arg(a.element);
     return !names.isEmpty();
@@ -278,14 +277,14 @@ int scan_into_element(const ScanArguments &a) {
     SqlDbAccess db(a.db);
     db.dba_Initialize2dSystem(QStringLiteral("Scan"));
     if (db.dba_Open2dDatabaseSession() == -1)
-        return refused(QStringLiteral("cannot open the production database %1: %2")
-                           .arg(db.connectionString(), db.lastError()));
+        return refused(QStringLiteral("cannot open the production database %1: %2").arg(db.description(), db.lastError()));
+    QStringList names;
+    QString error;
+    if (!choose_element_drawings(db, a, names, error)) return refused(error);
     CommandLineWindow window;
     window.databaseAccess = &db;
     window.manualList = false;
     return run_session(a, window, [&](ScanConfig *config, QString &error) {
-        QStringList names;
-        if (!select_element(db, a, error) || !element_drawings(db, a, names, error)) return false;
         const ScannerEntry *chosen = scanner_of_ScanConfig(config);
         if (!bind_element_of_ScanConfig(config, db.selectedElementId(), names)) {
             error = QStringLiteral("the folder of element '%1' was not found").arg(a.element);

@@ -33,10 +33,26 @@ struct ProductionPath {
     std::optional<LMV_element_data> element;
 };
 
+enum class Lookup { Found, Missing, Failed };
+
 // Looks up names[0] as a job of the environment, names[1] as a scene of it
-// and names[2] as an element of that scene (as many as are given). False,
-// with `error` naming the first one missing.
-bool find_production(TUDbAdmin &db, const QStringList &names, ProductionPath &found, QString &error);
+// and names[2] as an element of that scene (as many as are given). Missing,
+// with `error` naming the first one missing; Failed, with `error` saying
+// what could not be read (and db.lastError() why).
+Lookup find_production(SqlDbAccess &db, const QStringList &names, ProductionPath &found, QString &error);
+
+// "can't read WHAT from DATABASE: REASON"; the reason is db.lastError()
+// unless given.
+QString read_failure(const SqlDbAccess &db, const QString &what, const QString &reason = QString());
+
+// What a listing call of `db` answered, or nothing with `error` saying what
+// could not be read: an empty answer is only believed without an error.
+template <class T>
+std::optional<T> checked(const SqlDbAccess &db, T rows, const QString &what, QString &error) {
+    if (db.lastError().isEmpty()) return rows;
+    error = read_failure(db, what);
+    return std::nullopt;
+}
 
 // The folder of an element: its scene's folder and the element's path.
 QString element_folder(const dba_scene_struct &scene, const LMV_element_data &element);

@@ -81,13 +81,13 @@ TEST_P(DbProduction, SelectorShowsExposedCelsWithSuffixesAndScanCounts) {
     ASSERT_TRUE(db_->createCel(element.id, QStringLiteral("5"), QStringLiteral("a"), 0));  // no versions: "5"
     ASSERT_TRUE(db_->createCel(element.id, QStringLiteral("7"), QStringLiteral("b"), 2));  // "7b"
     ASSERT_TRUE(db_->createCel(element.id, QStringLiteral("9"), QString(), 0));            // never exposed
-    EXPECT_TRUE(drawingSelectorRows(*db_, &*scene, element.id).empty());
+    EXPECT_TRUE(drawingSelectorRows(*db_, &*scene, element.id).value().empty());
 
     ASSERT_GE(db_->exposeDrawings(element.id, {"1", "5", "5a", "7b", "12"}), 0);
     ASSERT_EQ(db_->dba_ProcessedCels(&*scene, QStringLiteral("E"), element.id, {"7b"}, 1, 0), 0);
     ASSERT_EQ(db_->dba_ProcessedCels(&*scene, QStringLiteral("E"), element.id, {"7b", "1"}, 1, 0), 0);
 
-    const auto rows = drawingSelectorRows(*db_, &*scene, element.id);
+    const auto rows = drawingSelectorRows(*db_, &*scene, element.id).value();
     // "5a" is exposed but got a cel of its own named "5a"; "5" with suffix "a" and no versions is "5".
     EXPECT_EQ(rowNames(rows), (QStringList{"1", "5", "7b", "5a", "12"}));
     ASSERT_EQ(rows.size(), 5u);

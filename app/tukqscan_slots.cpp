@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QDesktopServices>
-#include <QFileDialog>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
@@ -16,6 +15,7 @@
 #include <unistd.h>
 
 #include "app/load_from_file.h"
+#include "app/load_from_file_dialog.h"
 #include "app/tuabout_dialog.h"
 #include "app/scale_slider.h"
 #include "app/scan_application.h"
@@ -36,6 +36,7 @@
 #include "suite/base/osw_util.h"
 #include "suite/base/tumessage.h"
 #include "suite/base/whoami.h"
+#include "suite/db/tudbaccess.h"
 #include "workflow/config.h"
 #include "workflow/dbinfo.h"
 #include "workflow/drawing_list.h"
@@ -121,12 +122,17 @@ void TUKqScan::loadFromFileTimed() {
     const QString start = database_of_ScanConfig(m_config) && binding && binding->open
                               ? path_of_DatabaseBinding(binding)
                               : QString();
-    const QString path = QFileDialog::getOpenFileName(this, tr("Load From File"), start);
+    const QString path = choose_file_to_load(this, tr("Load From File"), start);
     if (path.isNull()) return;
     loadFile(path);
 }
 
 void TUKqScan::loadFile(const QString &path) {
+    // Reading it would open it outside SQLite (see load_from_file_dialog.h).
+    if (m_database && !path.isEmpty() && m_database->ownsFile(path)) {
+        MSG_Scope(MSG_Text("TUKqScan", "%1 is the production database, not a scan file.").arg(path), MSG_ACTION_ERROR);
+        return;
+    }
     QApplication::setOverrideCursor(Qt::WaitCursor);
     if (path.isEmpty())
         LMV_trace("LoadFromFile: Invalid filename\n");

@@ -8,6 +8,8 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTest>
 
 #include "app/param_dlg.h"
@@ -25,6 +27,7 @@
 #include "scan/scanner_list.h"
 #include "suite/base/whoami.h"
 #include "station_window_fixture.h"
+#include "support/run_program.h"
 #include "workflow/drawing_list.h"
 
 namespace {
@@ -37,6 +40,7 @@ class StationSession : public StationWindowTest {
 protected:
     // Scans a file in settings that differ from the scanner's defaults.
     QString scanFileToLoad();
+    void openSampleElement();
     // Presses Stop whenever the scan loop lets it be pressed.
     void pressStopDuringScan() {
         auto *timer = new QTimer(window_.get());
@@ -250,9 +254,10 @@ TEST_F(StationWindowTest, WithoutScannersTheOperatorIsAskedWhetherToGoOn) {
     save_screenshot(window_.get(), QStringLiteral("station_without_scanner"));
 }
 
-// Open Drawings: the element chosen in the database, its unscanned drawings
-// taken from the selector, scanned with F5, marked and queued.
-TEST_F(StationSession, OpenDrawingsScansAnElementOfTheDatabase) {
+// The sample production: job Sample, scene sc01 in a folder beside the
+// database file, element Anim (colour, vectorized) exposing 1 to 3; the
+// session started and the element opened through the selectors.
+void StationSession::openSampleElement() {
     const auto job = db_->createJob(QStringLiteral("Sample"));
     ASSERT_TRUE(job);
     ASSERT_TRUE(QDir(dir_.path()).mkpath(QStringLiteral("sc01/Anim")));
@@ -281,6 +286,12 @@ TEST_F(StationSession, OpenDrawingsScansAnElementOfTheDatabase) {
     });
     window_->openDrawings();
     ASSERT_EQ(window_->drawingList()->count(), 3);
+}
+
+// Open Drawings: the element chosen in the database, its unscanned drawings
+// taken from the selector, scanned with F5, marked and queued.
+TEST_F(StationSession, OpenDrawingsScansAnElementOfTheDatabase) {
+    ASSERT_NO_FATAL_FAILURE(openSampleElement());
     EXPECT_TRUE(database_of_ScanConfig(config_));
     EXPECT_FALSE(window_->manualListFlag());
     EXPECT_TRUE(window_->windowTitle().endsWith(QStringLiteral(" -> Sample -> scene sc01 -> element Anim")));
@@ -305,6 +316,61 @@ TEST_F(StationSession, OpenDrawingsScansAnElementOfTheDatabase) {
     for (int r = 0; r < 3; ++r) EXPECT_TRUE(row(r).contains(QStringLiteral(" (Scanned) Colour, "))) << r;
     EXPECT_EQ(db_->queueEntries().size(), 3u);
     save_screenshot(window_.get(), QStringLiteral("station_database_scanned"));
+}
+
+// The file dialog of Load From File shown on the folder of the SQLite file,
+// another program's session opened and closed, the element scanned, the
+// station closed: what the station wrote reached the file that every other
+// program uses, and the file is whole. (A dialog that opens the database's
+// files to guess their type drops SQLite's locks, and the station then
+// writes to a log nobody else reads, and over their work when it closes.)
+TEST_F(StationSession, TheDatabaseFileStaysWholeAfterTheFileDialogShowedItsFolder) {
+    ASSERT_NO_FATAL_FAILURE(openSampleElement());
+    const QString file = dir_.filePath(QStringLiteral("production.db"));
+    const auto scanctl = [this, &file](QStringList args) {
+        args.insert(2, QStringLiteral("--db"));
+        args.insert(3, file);
+        return run_program(QStringLiteral(SCANCTL_PATH), args, dir_.path());
+    };
+    QObject steps;
+    QString shown;
+    atNextDialog<QFileDialog>(&steps, [&](QFileDialog *dialog) {
+        dialog->setDirectory(dir_.path());
+        QTest::qWait(1500);  // the folder is listed, with an icon for each file
+        save_screenshot(dialog, QStringLiteral("station_load_from_file"));
+        shown = dialog->directory().absolutePath();
+    });
+    window_->loadFromFile();
+    QTest::qWait(2000);
+    EXPECT_EQ(shown, QDir(dir_.path()).absolutePath());
+    ASSERT_EQ(scanctl({"db", "show"}).status, 0);  // another program's session, opened and closed
+
+    BoxOperator operatorAnswers(QStringLiteral("Retry"), QString());
+    QTest::keyClick(window_.get(), Qt::Key_F9);
+    for (int r = 0; r < 3; ++r) ASSERT_TRUE(row(r).contains(QStringLiteral(" (Scanned) "))) << r;
+    // Other programs see the scans while the station runs, and work on them.
+    EXPECT_TRUE(scanctl({"db", "show", "Sample", "sc01", "Anim"}).out.contains("drawings: 3 exposed, 3 scanned"));
+    const ProcessResult taken = scanctl({"queue", "take", "--worker", "other", "--lease", "600"});
+    EXPECT_EQ(taken.status, 0) << taken.err.toStdString();
+
+    ScanConfigDestroy(config_);
+    config_ = nullptr;
+    window_.reset();
+    selector_.reset();
+    db_.reset();
+    EXPECT_TRUE(scanctl({"db", "show", "Sample", "sc01", "Anim"}).out.contains("drawings: 3 exposed, 3 scanned"));
+    const ProcessResult queue = scanctl({"queue", "list"});
+    EXPECT_EQ(queue.out.count(QStringLiteral("  Sample/sc01/Anim  ")), 3) << queue.out.toStdString();
+    EXPECT_EQ(queue.out.count(QStringLiteral("  taken  ")), 1) << queue.out.toStdString();
+    {
+        QSqlDatabase check = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("check"));
+        check.setDatabaseName(file);
+        ASSERT_TRUE(check.open());
+        QSqlQuery q(check);
+        ASSERT_TRUE(q.exec(QStringLiteral("PRAGMA integrity_check")) && q.next());
+        EXPECT_EQ(q.value(0).toString(), QStringLiteral("ok"));
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("check"));
 }
 
 TEST_F(StationSession, KeysStepTheScaleAndLoadFromFileWaitsForTheMenuToClose) {

@@ -343,6 +343,11 @@ TEST_F(StationSession, TheDatabaseFileStaysWholeAfterTheFileDialogShowedItsFolde
     window_->loadFromFile();
     QTest::qWait(2000);
     EXPECT_EQ(shown, QDir(dir_.path()).absolutePath());
+    // The database's own file is not read as a scan, and the session stays.
+    window_->loadFile(file + QStringLiteral("-wal"));
+    const auto &reports = static_cast<RecordingMessage *>(messages_->get())->shown;
+    ASSERT_FALSE(reports.empty());
+    EXPECT_TRUE(reports.back().texts.join(' ').contains(QStringLiteral("is the production database")));
     ASSERT_EQ(scanctl({"db", "show"}).status, 0);  // another program's session, opened and closed
 
     BoxOperator operatorAnswers(QStringLiteral("Retry"), QString());

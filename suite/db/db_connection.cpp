@@ -60,5 +60,5 @@ QString DbConnectionSettings::choose(const QString &explicitText) {
 
 QString DbConnectionSettings::describe() const {
     if (kind == Kind::SQLite) return sqlitePath;
-    return QStringLiteral("postgresql://%1@%2:%3/%4").arg(user, host).arg(port).arg(database);
+    return QStringLiteral("postgresql://%1@%2:%3/%4").arg(user, host, QString::number(port), database);
 }

@@ -88,13 +88,12 @@ bool dbMigrateSchema(DbSession &session, QString *error) {
         if (version < 0) return failed(session.lastError());
         if (version > dbSchemaLatestVersion())
             return failed(QStringLiteral("the database has schema version %1, newer than this program's %2")
-                              .arg(version)
-                              .arg(dbSchemaLatestVersion()));
+                              .arg(QString::number(version), QString::number(dbSchemaLatestVersion())));
         if (version >= target) continue;  // another process got there first
         QSqlQuery q = session.query();
         for (const QString &statement : kSteps[target - 1])
             if (!session.exec(q, dialect(statement, session.isPostgres())))
-                return failed(QStringLiteral("schema step %1: %2").arg(target).arg(session.lastError()));
+                return failed(QStringLiteral("schema step %1: %2").arg(QString::number(target), session.lastError()));
         if (!session.exec(q, QStringLiteral("UPDATE schema_version SET version = ?"), {target}) || !tx.commit())
             return failed(session.lastError());
     }

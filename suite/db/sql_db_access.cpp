@@ -283,9 +283,10 @@ int SqlDbAccess::dba_ProcessedCels(const dba_scene_struct *scene, const QString 
         return -1;
     const std::optional<bool> found = d->firstRow(q);
     if (!found) return -1;
-    if (!*found) return d->fail(QStringLiteral("no element %1 in scene %2").arg(elementId).arg(scene->name)), -1;
+    if (!*found) return d->fail(QStringLiteral("no element %1 in scene %2").arg(QString::number(elementId), scene->name)), -1;
     if (!elementName.isEmpty() && q.value(0).toString() != elementName)
-        return d->fail(QStringLiteral("element %1 is called %2, not %3").arg(elementId).arg(q.value(0).toString(), elementName)),
+        return d->fail(QStringLiteral("element %1 is called %2, not %3")
+                           .arg(QString::number(elementId), q.value(0).toString(), elementName)),
                -1;
 
     // The cels by the drawing name they go by.

@@ -109,7 +109,7 @@ int SqlDbAccess::renewQueueLease(qint64 id, const QString &worker, int leaseSeco
     q.finish();
     if (!tx.commit()) return d->failSession(), -1;
     if (held) return 0;
-    d->fail(QStringLiteral("%1 does not hold queue entry %2").arg(worker).arg(id));
+    d->fail(QStringLiteral("%1 does not hold queue entry %2").arg(worker, QString::number(id)));
     d->notHeld = true;
     return -1;
 }
@@ -137,7 +137,7 @@ int finishEntry(SqlDbAccess::Private &d, qint64 id, const QString &state, const 
     if (!tx.commit()) return d.failSession(), -1;
     if (changed) return 0;
     d.fail(worker.isEmpty() ? QStringLiteral("queue entry %1 is not taken").arg(id)
-                            : QStringLiteral("%1 does not hold queue entry %2").arg(worker).arg(id));
+                            : QStringLiteral("%1 does not hold queue entry %2").arg(worker, QString::number(id)));
     d.notHeld = true;
     return -1;
 }

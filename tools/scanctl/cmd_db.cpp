@@ -197,10 +197,8 @@ int expose(SqlDbAccess &db, const CommandWords &w) {
 
 QString element_summary(const LMV_element_data &e) {
     return QStringLiteral("%1, %2, field %3, pf %4, pixel shape %5")
-        .arg(scan_type_word(e.scanType), vectorize_word(e.needsVectorization))
-        .arg(e.fieldChart)
-        .arg(e.pf)
-        .arg(e.pixelShape);
+        .arg(scan_type_word(e.scanType), vectorize_word(e.needsVectorization), QString::number(e.fieldChart),
+             QString::number(e.pf), QString::number(e.pixelShape));
 }
 
 // Each show_ writes its part to `out`; false, with `error`, when a read failed.

@@ -105,9 +105,7 @@ int take(SqlDbAccess &db, const CommandWords &w) {
     // An empty queue leaves no error behind; a failed take does.
     if (!db.lastError().isEmpty())
         return refused(QStringLiteral("can't take an entry from %1 (%2 taken): %3")
-                           .arg(db.description())
-                           .arg(taken)
-                           .arg(db.lastError()));
+                           .arg(db.description(), QString::number(taken), db.lastError()));
     if (taken > 0) return kDbStatusOk;
     return report_failure(kGroup, QStringLiteral("nothing to take"), kDbStatusQueueEmpty);
 }
@@ -122,11 +120,10 @@ int finish(SqlDbAccess &db, const CommandWords &w, bool failed) {
     if (r != 0) {
         if (db.lastFailure() != SqlDbAccess::Failure::NotHeld)
             return refused(QStringLiteral("can't record the outcome of entry %1 in %2: %3")
-                               .arg(e->id)
-                               .arg(db.description(), db.lastError()));
+                               .arg(QString::number(e->id), db.description(), db.lastError()));
         if (e->state == dba_queueState::Taken && !worker.isEmpty())
-            return refused(QStringLiteral("entry %1 is held by %2, not %3").arg(e->id).arg(e->worker, worker));
-        return refused(QStringLiteral("entry %1 is %2, not taken").arg(e->id).arg(dba_queueStateName(e->state)));
+            return refused(QStringLiteral("entry %1 is held by %2, not %3").arg(QString::number(e->id), e->worker, worker));
+        return refused(QStringLiteral("entry %1 is %2, not taken").arg(QString::number(e->id), dba_queueStateName(e->state)));
     }
     QTextStream(stdout) << "entry " << e->id << (failed ? " failed" : " done") << "\n";
     return kDbStatusOk;
@@ -170,9 +167,7 @@ int add(SqlDbAccess &db, const CommandWords &w) {
         entry.sceneVersion = p.scene->version;
         if (db.dba_AddQueueEntry(queue.get(), &entry) != 0) {
             error = QStringLiteral("can't add drawing %1 to the vectorize queue of %2 (%3 added before it): %4")
-                        .arg(drawing, db.description())
-                        .arg(added)
-                        .arg(db.lastError());
+                        .arg(drawing, db.description(), QString::number(added), db.lastError());
             db.dba_CloseQueue(&queue);
             return refused(error);
         }

@@ -163,7 +163,7 @@ private:
         if (a != Answer::Ok) return lostOrFailed(e, a);
         if (p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0) return record(e, QString());
         QString message = p.exitStatus() == QProcess::NormalExit
-                              ? QStringLiteral("%1 exited with status %2").arg(command_[0]).arg(p.exitCode())
+                              ? QStringLiteral("%1 exited with status %2").arg(command_[0], QString::number(p.exitCode()))
                               : QStringLiteral("%1 crashed").arg(command_[0]);
         const QStringList errors =
             QString::fromLocal8Bit(p.readAllStandardError()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
@@ -186,7 +186,7 @@ private:
 
     std::optional<bool> lostOrFailed(const dba_queueEntry_struct &e, Answer a) {
         if (a == Answer::Failed) {
-            failed(QStringLiteral("can't keep entry %1 in %2").arg(e.id).arg(db_.description()));
+            failed(QStringLiteral("can't keep entry %1 in %2").arg(QString::number(e.id), db_.description()));
             return std::nullopt;
         }
         out_ << "failed: " << e.id << ": entry " << e.id << " was no longer ours\n";
@@ -223,8 +223,7 @@ std::optional<QueueWorkerSettings> queue_worker_settings(const CommandWords &w, 
         // for the lock at most: shorter leases leave no room for a retry.
         if (*lease < kMinLeaseSeconds) {
             error = QStringLiteral("--lease: %1 s is too short to be renewed in time; at least %2 s")
-                        .arg(*lease)
-                        .arg(kMinLeaseSeconds);
+                        .arg(QString::number(*lease), QString::number(kMinLeaseSeconds));
             return std::nullopt;
         }
         s.leaseSeconds = *lease;

@@ -121,7 +121,8 @@ public:
         auto load = [&](int at) { return _mm_loadu_si128(reinterpret_cast<const __m128i *>(g + at)); };
         // Sixteen pixels from `at`, one bit each.
         auto hit16 = [&](int at, __m128i v) {
-            const uint64_t m = ~static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_subs_epu8(v, limit), zero))) & 0xffffu;
+            const __m128i dark = _mm_cmpeq_epi8(_mm_subs_epu8(v, limit), zero);
+            const uint64_t m = ~static_cast<unsigned>(_mm_movemask_epi8(dark)) & 0xffffu;
             if (!m) return;
             const int w = at >> 6, shift = at & 63;
             hits_[static_cast<size_t>(w)] |= m << shift;

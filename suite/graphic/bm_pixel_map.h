@@ -36,7 +36,10 @@ public:
         stride_ = static_cast<int>(((static_cast<int64_t>(width_) * Pixel::kBits + 7) / 8 + 3) / 4 * 4);
         first_ = first < 0 ? 0 : first;
         last_ = last >= height_ ? height_ - 1 : last;
-        if (first_ > last_) first_ = 0, last_ = -1;
+        if (first_ > last_) {
+            first_ = 0;
+            last_ = -1;
+        }
         top_ = first_ > 0 ? first_ - 1 : 0;
         const int bottom = last_ < 0 ? -1 : (last_ + 1 < height_ ? last_ + 1 : last_);
         data_.assign(static_cast<size_t>(stride_) * static_cast<size_t>(bottom - top_ + 1), 0);
@@ -60,7 +63,7 @@ public:
     uint8_t *data() { return data_.data(); }
     const uint8_t *data() const { return data_.data(); }
 
-    // One pixel's value; no bounds check.
+    // One pixel's value; x is not checked, a row not stored reads as clear.
     unsigned get(int x, int y) const {
         if (!stores(y)) return 0;
         const uint8_t *r = row(y);

@@ -207,6 +207,7 @@ int save_Drawing(Drawing *d) {
     const int type = rep->type();
     const CEL_CelPtr cel = CEL_Cel::create(0);
     cel->setRepresentation(rep);
+    cel->setDpi(dpi_of_Drawing(d));
 
     const bool colour = type == CEL_TYPE_RGBA16 || type == CEL_TYPE_RGBA8;
     const QString formatName =

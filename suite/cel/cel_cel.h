@@ -17,10 +17,14 @@ public:
     const QList<CEL_RepresentationPtr> &representations() const { return reps_; }
     // Drops every representation but the one of `type`.
     void keepOneRepresentation(int type);
+    // Dots per inch of the picture as it was scanned; 0 when not known.
+    double dpi() const { return dpi_; }
+    void setDpi(double dpi) { dpi_ = dpi; }
 
 private:
     explicit CEL_Cel(int kind) : kind_(kind) {}
     int kind_;
+    double dpi_ = 0;
     QList<CEL_RepresentationPtr> reps_;
 };
 

@@ -10,9 +10,8 @@ namespace {
 
 thread_local QString lastErrorText;
 
-// No picture the station handles comes near this; a header that claims more
-// is damaged or hostile.
-constexpr qint64 kMaxPixels = qint64(1) << 31;
+// No side of a picture the station handles comes near this; a header that
+// claims more is damaged or hostile.
 constexpr qint64 kMaxSide = qint64(1) << 20;
 
 bool looksLikeTiff(const QString &path)
@@ -35,8 +34,8 @@ void setLastError(const QString &text)
 
 bool sizeIsSane(qint64 width, qint64 height, int bytesPerPixel)
 {
-    return width > 0 && height > 0 && width <= kMaxSide && height <= kMaxSide && width * height <= kMaxPixels &&
-           bytesPerPixel > 0 && bytesPerPixel <= 8;
+    return width > 0 && height > 0 && width <= kMaxSide && height <= kMaxSide && bytesPerPixel > 0 &&
+           bytesPerPixel <= 8 && width * height * bytesPerPixel <= kMaxImageBytes;
 }
 
 }  // namespace celio
@@ -67,7 +66,7 @@ bool CELIO_Manager::write(const CEL_Cel *cel, const QString &path, const QString
         celio::setLastError(QStringLiteral("Unknown file format \"%1\" for %2.").arg(formatName, path));
         return false;
     }
-    return celio::writeTiff(*pixmap, path, policy, comment, QDateTime::currentDateTime());
+    return celio::writeTiff(*pixmap, path, policy, comment, QDateTime::currentDateTime(), cel->dpi());
 }
 
 bool CELIO_Manager::read(const QString &path, QDateTime &date, const CEL_Context &context,
@@ -91,7 +90,7 @@ bool CELIO_Manager::read(const QString &path, QDateTime &date, const CEL_Context
     }
 
     celio::ReadResult result;
-    const bool ok = celio::looksLikeTiff(path) ? celio::readTiff(path, file.size(), result) : celio::readQtImage(path, result);
+    const bool ok = celio::looksLikeTiff(path) ? celio::readTiff(path, file.size(), result) : celio::readQtImage(path, file.size(), result);
     if (!ok || !result.rep)
         return false;
     reps.append(result.rep);

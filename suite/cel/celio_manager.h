@@ -25,7 +25,8 @@ public:
 
     // Writes the cel's first pixel representation to `path` in the format
     // named `formatName` (see TUPixmapFormatList), with `comment` stored so
-    // that it reads back unchanged and the current date. True on success.
+    // that it reads back unchanged, the current date and the cel's dpi. True
+    // on success.
     bool write(const CEL_Cel *cel, const QString &path, const QString &extension,
                const QString &formatName, const QString &comment);
 

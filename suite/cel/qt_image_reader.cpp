@@ -1,7 +1,8 @@
 // Pictures in the formats Qt reads (PNG, JPEG, BMP, ...), mapped onto the
 // closest leaf: grey stays grey, 16-bit stays 16-bit, black and white becomes
 // 0 and 255.
-#include <QFileInfo>
+#include <QFile>
+#include <QtEndian>
 #include <QImage>
 #include <QImageReader>
 
@@ -13,8 +14,11 @@
 namespace celio {
 namespace {
 
-// Decoded bytes a compressed picture may reach per byte of file.
+// Decoded bytes a compressed picture may reach per byte of file; Deflate,
+// the strongest of these formats, stops near 1032.
 constexpr qint64 kMaxExpansion = 2048;
+// Any file may decode to this much: small pictures are never refused.
+constexpr qint64 kMinBudget = qint64(16) << 20;
 
 bool isSixteenBitColour(QImage::Format f)
 {
@@ -95,22 +99,58 @@ CEL_RepresentationPtr toLeaf(const QImage &image, CELIO_FileInfo &info)
     return leaf;
 }
 
+// libpng allocates what a chunk's length claims before it reads the chunk, so
+// a PNG is walked first: every chunk up to the end must lie within the file.
+bool pngChunksFit(const QString &path, qint64 fileSize)
+{
+    QFile f(path);
+    uchar head[8];
+    if (!f.open(QIODevice::ReadOnly) || f.read(reinterpret_cast<char *>(head), 8) != 8 ||
+        std::memcmp(head, "\x89PNG\r\n\x1a\n", 8) != 0)
+        return true;  // not a PNG
+    for (qint64 pos = 8; pos < fileSize;) {
+        if (!f.seek(pos) || f.read(reinterpret_cast<char *>(head), 8) != 8)
+            break;  // a cut-off file: the decoder says so
+        const quint32 length = qFromBigEndian<quint32>(head);
+        if (length > fileSize - pos - 12) {
+            setLastError(QStringLiteral("Cannot read %1: a PNG chunk claims %2 bytes, more than the file holds.")
+                             .arg(path).arg(length));
+            return false;
+        }
+        if (std::memcmp(head + 4, "IEND", 4) == 0)
+            break;
+        pos += 12 + qint64(length);
+    }
+    return true;
+}
+
 }  // namespace
 
-bool readQtImage(const QString &path, ReadResult &out)
+bool readQtImage(const QString &path, qint64 fileSize, ReadResult &out)
 {
+    if (!pngChunksFit(path, fileSize))
+        return false;
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true);
-    // Qt's own guard (256 MB) would refuse a full sheet in colour; a bigger
-    // file may decode to more, a small one keeps the default.
-    const qint64 limitMiB = (QFileInfo(path).size() * kMaxExpansion) >> 20;
-    reader.setAllocationLimit(int(std::clamp<qint64>(limitMiB, reader.allocationLimit(), 4096)));
     reader.setAutoTransform(false);
+    // What the decoder may allocate; Qt's own default (256 MB) would refuse a
+    // full sheet in colour and let a tiny file claim far too much.
+    const qint64 budget = std::clamp(fileSize * kMaxExpansion, kMinBudget, kMaxImageBytes);
+    reader.setAllocationLimit(int((budget + (1 << 20) - 1) >> 20));
     const QSize size = reader.size();
-    if (size.isValid() && !sizeIsSane(size.width(), size.height(), 8)) {
-        setLastError(QStringLiteral("Cannot read %1: a picture of %2 x %3 pixels is too large.")
-                         .arg(path).arg(size.width()).arg(size.height()));
-        return false;
+    if (size.isValid()) {
+        const qint64 pixels = qint64(size.width()) * size.height();
+        const QImage::Format format = reader.imageFormat();
+        const int bits = QImage::toPixelFormat(format).bitsPerPixel();
+        QString why;
+        if (!sizeIsSane(size.width(), size.height(), isSixteenBitColour(format) ? 8 : 4))
+            why = QStringLiteral("a picture of %2 x %3 pixels is too large.");
+        else if (pixels * (bits > 0 ? bits : 32) / 8 > budget)
+            why = QStringLiteral("the file is too small for a picture of %2 x %3 pixels.");
+        if (!why.isEmpty()) {
+            setLastError((QStringLiteral("Cannot read %1: ") + why).arg(path).arg(size.width()).arg(size.height()));
+            return false;
+        }
     }
     const QByteArray format = reader.format();  // known only until the read ends
     const QImage image = reader.read();

@@ -1,5 +1,5 @@
-// Reading TIFF files, ours and other programs'. The common layouts (grey,
-// bilevel, palette, RGB and RGBA of 8 or 16 bits, striped or tiled) are
+// Reading TIFF files, ours and other programs'. The common layouts (grey of 1
+// to 16 bits, palette, RGB and RGBA of 8 or 16 bits, striped or tiled) are
 // decoded a strip or tile at a time and converted row by row; anything else
 // libtiff can decode goes through its RGBA interface.
 #include <QFile>
@@ -7,9 +7,10 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstring>
+#include <limits>
 #include <memory>
+#include <vector>
 
 #include "suite/cel/celio_backends.h"
 #include "suite/cel/tiff_handle.h"
@@ -117,11 +118,12 @@ void readHeader(TIFF *tif, Header &h)
     const bool interleaved = h.planar == PLANARCONFIG_CONTIG || h.spp == 1;
     if (!plainSamples || !interleaved)
         return;
-    if ((h.photometric == PHOTOMETRIC_MINISBLACK || h.photometric == PHOTOMETRIC_MINISWHITE) &&
-        ((h.bps <= 8 && std::has_single_bit(h.bps) && (h.spp == 1 || h.bps == 8)) || h.bps == 16)) {
+    if ((h.photometric == PHOTOMETRIC_MINISBLACK || h.photometric == PHOTOMETRIC_MINISWHITE) && h.bps >= 1 &&
+        h.bps <= 16) {
+        // Deeper than 8 bits (scanners write 10, 12 or 14) keeps its precision.
         h.kind = Kind::Grey;
-        h.outType = h.bps == 16 ? CEL_TYPE_MATTE16 : CEL_TYPE_MATTE8;
-    } else if (h.photometric == PHOTOMETRIC_PALETTE && h.spp == 1 && h.bps <= 8 && std::has_single_bit(h.bps)) {
+        h.outType = h.bps > 8 ? CEL_TYPE_MATTE16 : CEL_TYPE_MATTE8;
+    } else if (h.photometric == PHOTOMETRIC_PALETTE && h.spp == 1 && h.bps >= 1 && h.bps <= 8) {
         h.kind = Kind::Palette;
     } else if (h.photometric == PHOTOMETRIC_RGB && h.spp >= 3 && (h.bps == 8 || h.bps == 16)) {
         h.kind = Kind::Rgb;
@@ -159,26 +161,43 @@ bool plausible(const Header &h, qint64 fileSize, const QString &path)
     return true;
 }
 
-// Unpacks samples of 1, 2, 4 or 8 bits, most significant first, through a
-// table of output values.
+// Unpacks the first sample of each of `n` pixels of `spp` samples of `bps`
+// bits (1 to 16), packed from the most significant bit, through a table of
+// output values.
 template <class Out>
-void unpackRow(const uint8_t *src, int n, int bps, const Out *lut, Out *dst)
+void unpackRow(const uint8_t *src, int n, int bps, int spp, const Out *lut, Out *dst)
 {
-    if (bps == 8) {
+    if (spp == 1 && bps == 8) {
         for (int i = 0; i < n; ++i)
             dst[i] = lut[src[i]];
         return;
     }
-    const int perByte = 8 / bps;
-    const unsigned mask = (1u << bps) - 1;
-    int i = 0;
-    for (; i + perByte <= n; i += perByte, ++src) {
-        const unsigned b = *src;
-        for (int k = 0; k < perByte; ++k)
-            dst[i + k] = lut[(b >> (8 - bps * (k + 1))) & mask];
+    if (spp == 1 && 8 % bps == 0) {
+        const int perByte = 8 / bps;
+        const unsigned mask = (1u << bps) - 1;
+        int i = 0;
+        for (; i + perByte <= n; i += perByte, ++src) {
+            const unsigned b = *src;
+            for (int k = 0; k < perByte; ++k)
+                dst[i + k] = lut[(b >> (8 - bps * (k + 1))) & mask];
+        }
+        for (int k = 0; i < n; ++i, ++k)
+            dst[i] = lut[(*src >> (8 - bps * (k + 1))) & mask];
+        return;
     }
-    for (int k = 0; i < n; ++i, ++k)
-        dst[i] = lut[(*src >> (8 - bps * (k + 1))) & mask];
+    // Samples that straddle bytes: gather the (at most three) bytes of each,
+    // and no byte past its end, which may be the end of the buffer.
+    const uint64_t pixelBits = uint64_t(bps) * uint64_t(spp);
+    const unsigned mask = (1u << bps) - 1;
+    for (int i = 0; i < n; ++i) {
+        const uint64_t bit = uint64_t(i) * pixelBits;
+        const uint8_t *p = src + bit / 8;
+        const unsigned used = unsigned(bit % 8) + unsigned(bps);
+        uint32_t v = 0;
+        for (unsigned b = 0; b < (used + 7) / 8; ++b)
+            v = (v << 8) | p[b];
+        dst[i] = lut[(v >> ((8 - used % 8) % 8)) & mask];
+    }
 }
 
 // One sample out of each pixel of `spp` samples, complemented by `flip`.
@@ -275,35 +294,47 @@ UT_SharePtr<Leaf> makeLeaf(const Header &h)
     return leaf;
 }
 
+// Grey of any other depth, its levels spread over the leaf's full range and
+// rounded: 1 bit gives 0 and 255, 12 bits 0 to 65535.
+template <class Leaf>
+CEL_RepresentationPtr readScaledGrey(TIFF *tif, const Header &h, bool invert)
+{
+    using Level = typename Leaf::Pixel;
+    const uint32_t top = (1u << h.bps) - 1;
+    const uint32_t full = std::numeric_limits<Level>::max();
+    std::vector<Level> lut(size_t(top) + 1);
+    for (uint32_t v = 0; v <= top; ++v)
+        lut[v] = Level(((invert ? top - v : v) * uint64_t(full) + top / 2) / top);
+    auto leaf = makeLeaf<Leaf>(h);
+    const bool ok = forEachRow(tif, h, [&](const uint8_t *src, int x, int y, int n) {
+        unpackRow<Level>(src, n, h.bps, h.spp, lut.data(), leaf->row(y) + x);
+    });
+    return ok ? CEL_RepresentationPtr(leaf) : nullptr;
+}
+
+// Grey of 8 or 16 bits: the first sample of each pixel as it stands.
+template <class Leaf>
+CEL_RepresentationPtr readPickedGrey(TIFF *tif, const Header &h, bool invert)
+{
+    using Level = typename Leaf::Pixel;
+    const Level flip = invert ? std::numeric_limits<Level>::max() : Level(0);
+    auto leaf = makeLeaf<Leaf>(h);
+    const bool ok = forEachRow(tif, h, [&](const uint8_t *src, int x, int y, int n) {
+        pickSamples<Level>(src, n, h.spp, flip, leaf->row(y) + x);
+    });
+    return ok ? CEL_RepresentationPtr(leaf) : nullptr;
+}
+
 CEL_RepresentationPtr readGrey(TIFF *tif, const Header &h)
 {
     const bool invert = h.photometric == PHOTOMETRIC_MINISWHITE;
-    if (h.bps == 16) {
-        auto leaf = makeLeaf<CEL_PixmapMatte16>(h);
-        const uint16_t flip = invert ? 0xFFFF : 0;
-        const bool ok = forEachRow(tif, h, [&](const uint8_t *src, int x, int y, int n) {
-            pickSamples<uint16_t>(src, n, h.spp, flip, leaf->row(y) + x);
-        });
-        return ok ? CEL_RepresentationPtr(leaf) : nullptr;
+    switch (h.bps) {
+    case 16: return readPickedGrey<CEL_PixmapMatte16>(tif, h, invert);
+    case 8: return readPickedGrey<CEL_PixmapMatte8>(tif, h, invert);
+    default:
+        return h.bps > 8 ? readScaledGrey<CEL_PixmapMatte16>(tif, h, invert)
+                         : readScaledGrey<CEL_PixmapMatte8>(tif, h, invert);
     }
-    auto leaf = makeLeaf<CEL_PixmapMatte8>(h);
-    bool ok;
-    if (h.bps == 8) {
-        const uint8_t flip = invert ? 0xFF : 0;
-        ok = forEachRow(tif, h, [&](const uint8_t *src, int x, int y, int n) {
-            pickSamples<uint8_t>(src, n, h.spp, flip, leaf->row(y) + x);
-        });
-    } else {
-        // Fewer bits spread over the full range: 1 bit gives 0 and 255.
-        std::array<uint8_t, 256> lut{};
-        const unsigned top = (1u << h.bps) - 1;
-        for (unsigned v = 0; v <= top; ++v)
-            lut[v] = uint8_t((invert ? top - v : v) * 255 / top);
-        ok = forEachRow(tif, h, [&](const uint8_t *src, int x, int y, int n) {
-            unpackRow<uint8_t>(src, n, h.bps, lut.data(), leaf->row(y) + x);
-        });
-    }
-    return ok ? CEL_RepresentationPtr(leaf) : nullptr;
 }
 
 CEL_RepresentationPtr readPalette(TIFF *tif, const Header &h)
@@ -323,7 +354,7 @@ CEL_RepresentationPtr readPalette(TIFF *tif, const Header &h)
 
     auto leaf = makeLeaf<CEL_PixmapRGBA8>(h);
     const bool ok = forEachRow(tif, h, [&](const uint8_t *src, int x, int y, int n) {
-        unpackRow<CEL_RGBA8Pixel>(src, n, h.bps, lut.data(), leaf->row(y) + x);
+        unpackRow<CEL_RGBA8Pixel>(src, n, h.bps, 1, lut.data(), leaf->row(y) + x);
     });
     return ok ? CEL_RepresentationPtr(leaf) : nullptr;
 }
@@ -374,9 +405,16 @@ void readTextTags(TIFF *tif, ReadResult &out)
     uint32_t count = 0;
     const char *bytes = nullptr;
     const char *description = nullptr;
-    if (TIFFGetField(tif, kCommentTag, &count, &bytes) && bytes)
-        out.comment = QString::fromUtf8(bytes, qsizetype(count));
-    else if (TIFFGetField(tif, TIFFTAG_IMAGEDESCRIPTION, &description) && description)
+    const bool hasCopy = TIFFGetField(tif, kCommentTag, &count, &bytes) && bytes;
+    const bool hasDescription = TIFFGetField(tif, TIFFTAG_IMAGEDESCRIPTION, &description) && description;
+    // The private copy keeps what the description can't (bytes after a NUL),
+    // but only while the description still says the same: a tool that edited
+    // the description knows nothing of the copy.
+    const QByteArrayView copy(bytes, hasCopy ? qsizetype(count) : 0);
+    const QByteArrayView copyAsDescription = copy.first(copy.indexOf('\0') < 0 ? copy.size() : copy.indexOf('\0'));
+    if (hasCopy && (!hasDescription || copyAsDescription == QByteArrayView(description)))
+        out.comment = QString::fromUtf8(copy);
+    else if (hasDescription)
         out.comment = decodeDescription(description);
 
     const char *stamp = nullptr;

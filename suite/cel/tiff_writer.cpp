@@ -65,6 +65,15 @@ void packBilevelRow(const uint8_t *src, int width, uint8_t *dst)
     }
 }
 
+// Whether any pixel has an alpha other than 0. A scan never has: its alpha is
+// 0 throughout, which other programs would show as a transparent sheet.
+template <class Leaf>
+bool anyAlpha(const CEL_Pixmap &pixmap)
+{
+    const auto *p = static_cast<const typename Leaf::Pixel *>(pixmap.rawData());
+    return std::any_of(p, p + pixmap.pixelCount(), [](const auto &px) { return px.a != 0; });
+}
+
 // RGBA to RGB for either sample size.
 template <class Sample>
 void dropAlphaRow(const uint8_t *src, int width, uint8_t *dst)
@@ -101,7 +110,10 @@ Layout chooseLayout(const CEL_Pixmap &pixmap, const TiffWritePolicy &policy)
     case CEL_TYPE_RGBA16:
         l.bitsPerSample = pixmap.type() == CEL_TYPE_RGBA8 ? 8 : 16;
         l.photometric = PHOTOMETRIC_RGB;
-        l.alpha = policy.colourAlpha;
+        // An alpha of 0 everywhere is left out: the file then opens opaque
+        // elsewhere, and a colour file without alpha reads back as alpha 0.
+        l.alpha = policy.colourAlpha && (pixmap.type() == CEL_TYPE_RGBA8 ? anyAlpha<CEL_PixmapRGBA8>(pixmap)
+                                                                          : anyAlpha<CEL_PixmapRGBA16>(pixmap));
         l.samplesPerPixel = l.alpha ? 4 : 3;
         l.rowBytes = w * l.samplesPerPixel * (l.bitsPerSample / 8);
         return l;
@@ -111,7 +123,8 @@ Layout chooseLayout(const CEL_Pixmap &pixmap, const TiffWritePolicy &policy)
     }
 }
 
-void setTags(TIFF *tif, const CEL_Pixmap &pixmap, const Layout &l, const QString &comment, const QDateTime &date)
+void setTags(TIFF *tif, const CEL_Pixmap &pixmap, const Layout &l, const QString &comment, const QDateTime &date,
+             double dpi)
 {
     TIFFSetField(tif, TIFFTAG_IMAGEWIDTH, uint32_t(pixmap.width()));
     TIFFSetField(tif, TIFFTAG_IMAGELENGTH, uint32_t(pixmap.height()));
@@ -128,6 +141,11 @@ void setTags(TIFF *tif, const CEL_Pixmap &pixmap, const Layout &l, const QString
     if (l.alpha) {
         const uint16_t extra[] = {EXTRASAMPLE_UNASSALPHA};
         TIFFSetField(tif, TIFFTAG_EXTRASAMPLES, uint16_t(1), extra);
+    }
+    if (dpi > 0) {
+        TIFFSetField(tif, TIFFTAG_XRESOLUTION, float(dpi));
+        TIFFSetField(tif, TIFFTAG_YRESOLUTION, float(dpi));
+        TIFFSetField(tif, TIFFTAG_RESOLUTIONUNIT, uint16_t(RESUNIT_INCH));
     }
     TIFFSetField(tif, TIFFTAG_SOFTWARE, "Scanning station");
     TIFFSetField(tif, TIFFTAG_DATETIME, date.toString(QStringLiteral("yyyy:MM:dd HH:mm:ss")).toLatin1().constData());
@@ -201,7 +219,7 @@ bool policyForFormatName(const QString &name, TiffWritePolicy &policy)
 }
 
 bool writeTiff(const CEL_Pixmap &pixmap, const QString &path, const TiffWritePolicy &policy,
-               const QString &comment, const QDateTime &date)
+               const QString &comment, const QDateTime &date, double dpi)
 {
     if (pixmap.width() <= 0 || pixmap.height() <= 0 || !pixmap.rawData()) {
         setLastError(QStringLiteral("The picture to write to %1 is empty.").arg(path));
@@ -218,7 +236,7 @@ bool writeTiff(const CEL_Pixmap &pixmap, const QString &path, const TiffWritePol
         setLastError(QStringLiteral("Cannot create %1: %2").arg(path, file.error(QStringLiteral("unknown error"))));
         return false;
     }
-    setTags(file.get(), pixmap, layout, comment, date);
+    setTags(file.get(), pixmap, layout, comment, date, dpi);
     const bool ok = writeStrips(file.get(), pixmap, layout) && TIFFWriteDirectory(file.get()) && file.close();
     if (!ok) {
         const QString why = file.error(QStringLiteral("write failed"));

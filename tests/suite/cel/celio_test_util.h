@@ -37,10 +37,11 @@ inline ReadBack readFile(const QString &path)
 }
 
 inline bool writeLeaf(const CEL_RepresentationPtr &leaf, const QString &path, const QString &format,
-                      const QString &comment = {})
+                      const QString &comment = {}, double dpi = 0)
 {
     auto cel = CEL_Cel::create(0);
     cel->setRepresentation(leaf);
+    cel->setDpi(dpi);
     return CELIO_Manager::getInstance().write(cel.get(), path, QStringLiteral("tif"), format, comment);
 }
 

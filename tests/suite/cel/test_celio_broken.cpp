@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <sys/resource.h>
 #include <tiffio.h>
 
 #include "celio_test_util.h"
@@ -170,6 +171,27 @@ TEST_F(BrokenFile, AbsurdSizesAreRefusedBeforeAnyAllocation)
     const ReadBack r = readFile(put("honest.tif", minimalTiff(6, 4, 8, COMPRESSION_NONE, pixels)));
     ASSERT_TRUE(r.ok) << CELIO_Manager::getInstance().lastError().toStdString();
     EXPECT_EQ(dynamic_cast<const CEL_PixmapMatte8 *>(r.rep.get())->at(5, 3), 0x7f);
+}
+
+TEST_F(BrokenFile, PngChunkClaimingGigabytesIsRefusedBeforeAnyAllocation)
+{
+    // A text chunk right after the header that claims 1.7 GB; libpng would
+    // allocate that much before noticing the file ends.
+    QImage image(8, 8, QImage::Format_RGB32);
+    image.fill(Qt::blue);
+    ASSERT_TRUE(image.save(file("ok.png")));
+    const QByteArray whole = bytesOf(file("ok.png"));
+    constexpr qsizetype kAfterHeader = 8 + 12 + 13;
+    const QByteArray claim("\x69\xa7\x00\x14tEXtDescription\0", 20);
+    const QString path = put("claim.png", whole.left(kAfterHeader) + claim + whole.mid(kAfterHeader));
+
+    rusage before{}, after{};
+    getrusage(RUSAGE_SELF, &before);
+    expectRefused(path);
+    getrusage(RUSAGE_SELF, &after);
+    EXPECT_TRUE(CELIO_Manager::getInstance().lastError().contains("chunk")) << CELIO_Manager::getInstance().lastError().toStdString();
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 64 * 1024);  // kB
+    EXPECT_TRUE(readFile(file("ok.png")).ok);
 }
 
 TEST_F(BrokenFile, FilesThatAreNoPictureAtAll)

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <tiffio.h>
 #include <vector>
@@ -151,18 +152,62 @@ TEST_F(ForeignTiff, BilevelInEitherPhotometricReadsAsZeroAnd255)
     }
 }
 
-TEST_F(ForeignTiff, GreyLevelsOfFourEightAndSixteenBits)
+TEST_F(ForeignTiff, GreyOfAnyDepthSpreadsOverTheLeafsRange)
 {
-    Layout l{.width = 21, .height = 10, .bps = 4, .compression = COMPRESSION_LZW};
-    auto nibbles = noiseBytes(l.rowBytes() * l.height, 4);
-    const auto *m4 = roundTrip<CEL_PixmapMatte8>(l, nibbles);
-    ASSERT_NE(m4, nullptr);
-    for (int x = 0; x < 21; ++x) {
-        const int byte = nibbles[size_t(9 * l.rowBytes() + x / 2)];
-        EXPECT_EQ(m4->at(x, 9), ((x % 2 ? byte : byte >> 4) & 15) * 17);
+    // Samples that straddle bytes, several samples a pixel, min-is-white:
+    // up to 8 bits become Matte8, deeper ones keep their precision in Matte16.
+    const struct {
+        uint16_t bps, spp, photometric, compression;
+    } depths[] = {{2, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE},   {3, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE},
+                  {4, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_LZW},    {5, 1, PHOTOMETRIC_MINISWHITE, COMPRESSION_NONE},
+                  {6, 2, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE},   {7, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE},
+                  {9, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE},   {10, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_PACKBITS},
+                  {12, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_LZW},   {12, 1, PHOTOMETRIC_MINISWHITE, COMPRESSION_NONE},
+                  {12, 2, PHOTOMETRIC_MINISBLACK, COMPRESSION_ADOBE_DEFLATE},
+                  {14, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE}, {15, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE}};
+    for (const auto &d : depths) {
+        SCOPED_TRACE(testing::Message() << d.bps << " bits x " << d.spp << ", photometric " << d.photometric);
+        const Layout l{.width = 13, .height = 5, .bps = d.bps, .spp = d.spp, .photometric = d.photometric,
+                       .compression = d.compression};
+        const uint32_t top = (1u << d.bps) - 1;
+        std::mt19937 rng(d.bps);
+        std::vector<uint32_t> levels(size_t(l.width) * l.height);
+        for (auto &v : levels)
+            v = rng() & top;
+        levels[0] = 0;
+        levels[1] = top;
+        // Packed from the most significant bit; a pixel's other samples are noise.
+        std::vector<uint8_t> packed(l.rowBytes() * l.height, 0);
+        for (uint32_t y = 0; y < l.height; ++y)
+            for (uint32_t k = 0; k < l.width * d.spp; ++k) {
+                const uint32_t v = k % d.spp ? rng() & top : levels[y * l.width + k / d.spp];
+                for (uint32_t b = 0; b < d.bps; ++b)
+                    if ((v >> (d.bps - 1 - b)) & 1)
+                        packed[y * l.rowBytes() + (k * d.bps + b) / 8] |= uint8_t(0x80 >> ((k * d.bps + b) % 8));
+            }
+        const double full = d.bps > 8 ? 65535 : 255;
+        auto expected = [&](size_t i) {
+            const uint32_t v = d.photometric == PHOTOMETRIC_MINISWHITE ? top - levels[i] : levels[i];
+            return std::lround(v * full / top);
+        };
+        if (d.bps > 8) {
+            const auto *m = roundTrip<CEL_PixmapMatte16>(l, packed);
+            ASSERT_NE(m, nullptr);
+            for (size_t i = 0; i < levels.size(); ++i)
+                ASSERT_EQ(m->data()[i], expected(i)) << i;
+        } else {
+            const auto *m = roundTrip<CEL_PixmapMatte8>(l, packed);
+            ASSERT_NE(m, nullptr);
+            for (size_t i = 0; i < levels.size(); ++i)
+                ASSERT_EQ(m->data()[i], expected(i)) << i;
+        }
+        EXPECT_EQ(last_.info.bitsPerSample, d.bps);
     }
+}
 
-    l = Layout{.width = 33, .height = 9, .bps = 8, .photometric = PHOTOMETRIC_MINISWHITE, .compression = COMPRESSION_ADOBE_DEFLATE};
+TEST_F(ForeignTiff, GreyLevelsOfEightAndSixteenBits)
+{
+    Layout l = Layout{.width = 33, .height = 9, .bps = 8, .photometric = PHOTOMETRIC_MINISWHITE, .compression = COMPRESSION_ADOBE_DEFLATE};
     const auto bytes = noiseBytes(l.rowBytes() * l.height, 5);
     const auto *m8 = roundTrip<CEL_PixmapMatte8>(l, bytes);
     ASSERT_NE(m8, nullptr);
@@ -298,6 +343,23 @@ TEST_F(ForeignTiff, DescriptionInLatin1OrUtf8AndDateFromTheFileTime)
     l.description = QString::fromUtf8("Café 線画").toUtf8();
     writeByHand(file("utf8.tif"), l, {1, 2, 3, 4});
     EXPECT_EQ(readFile(file("utf8.tif")).comment, QString::fromUtf8("Café 線画"));
+}
+
+TEST_F(ScratchDir, DescriptionEditedByAnotherToolWinsOverThePrivateCopy)
+{
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(noiseLeaf<CEL_PixmapMatte8>(4, 4)), file("s.tif"),
+                          QStringLiteral("SCAN"), QStringLiteral("Version: 3 dpi 300")));
+    // As a tag editor does it: the description is rewritten, the tag it
+    // doesn't know is carried along untouched.
+    TIFF *tif = TIFFOpen(QFile::encodeName(file("s.tif")).constData(), "r+");
+    ASSERT_NE(tif, nullptr);
+    TIFFSetField(tif, TIFFTAG_IMAGEDESCRIPTION, "Version: 3 dpi 600");
+    ASSERT_TRUE(TIFFRewriteDirectory(tif));
+    TIFFClose(tif);
+    QFile f(file("s.tif"));
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    ASSERT_TRUE(f.readAll().contains("Version: 3 dpi 300"));  // the private copy is still there
+    EXPECT_EQ(readFile(file("s.tif")).comment, "Version: 3 dpi 600");
 }
 
 TEST_F(ScratchDir, TiffRewrittenByTiffcpReadsTheSame)

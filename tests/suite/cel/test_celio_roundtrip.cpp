@@ -4,10 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <signal.h>
 #include <sys/resource.h>
 #include <thread>
 #include <tiffio.h>
+#include <vector>
 
 #include "celio_test_util.h"
 
@@ -16,7 +18,8 @@ using namespace celio_test;
 namespace {
 
 struct TiffTags {
-    uint16_t compression = 0, bps = 0, spp = 0, photometric = 0;
+    uint16_t compression = 0, bps = 0, spp = 0, photometric = 0, resolutionUnit = 0;
+    float xResolution = 0, yResolution = 0;
     QString dateTime, software;
 };
 
@@ -30,6 +33,9 @@ TiffTags tagsOf(const QString &path)
     TIFFGetField(tif, TIFFTAG_BITSPERSAMPLE, &t.bps);
     TIFFGetField(tif, TIFFTAG_SAMPLESPERPIXEL, &t.spp);
     TIFFGetField(tif, TIFFTAG_PHOTOMETRIC, &t.photometric);
+    TIFFGetField(tif, TIFFTAG_XRESOLUTION, &t.xResolution);
+    TIFFGetField(tif, TIFFTAG_YRESOLUTION, &t.yResolution);
+    TIFFGetField(tif, TIFFTAG_RESOLUTIONUNIT, &t.resolutionUnit);
     const char *s = nullptr;
     if (TIFFGetField(tif, TIFFTAG_DATETIME, &s))
         t.dateTime = QString::fromLatin1(s);
@@ -37,6 +43,32 @@ TiffTags tagsOf(const QString &path)
         t.software = QString::fromLatin1(s);
     TIFFClose(tif);
     return t;
+}
+
+// The picture as programs that know nothing of the station see it: libtiff's
+// RGBA interface, on which viewers build, as packed A B G R from the top byte.
+std::vector<uint32_t> seenElsewhere(const QString &path)
+{
+    std::vector<uint32_t> raster;
+    TIFF *tif = TIFFOpen(QFile::encodeName(path).constData(), "r");
+    uint32_t w = 0, h = 0;
+    if (tif && TIFFGetField(tif, TIFFTAG_IMAGEWIDTH, &w) && TIFFGetField(tif, TIFFTAG_IMAGELENGTH, &h)) {
+        raster.resize(size_t(w) * h);
+        if (!TIFFReadRGBAImageOriented(tif, w, h, raster.data(), ORIENTATION_TOPLEFT, 0))
+            raster.clear();
+    }
+    if (tif)
+        TIFFClose(tif);
+    return raster;
+}
+
+template <class Leaf>
+UT_SharePtr<Leaf> scannedColour(int width, int height)
+{
+    auto leaf = noiseLeaf<Leaf>(width, height);
+    for (auto *p = leaf->data(); p != leaf->data() + leaf->pixelCount(); ++p)
+        p->a = 0;
+    return leaf;
 }
 
 // A black-and-white drawing: white paper with black strokes.
@@ -129,6 +161,36 @@ TEST_F(ScratchDir, OneGreyLevelKeepsTheWholeMatteAtEightBits)
     EXPECT_TRUE(samePixels(*leaf, readFile(file("grey.tif")).rep));
 }
 
+TEST_F(ScratchDir, ColourScansOpenOpaqueElsewhereWithTheirResolution)
+{
+    // A scan's alpha is 0 everywhere; other programs must still see the sheet,
+    // at the resolution it was scanned at, and the station its exact pixels.
+    for (const QString format : {"SCAN", "SCAN32", "SCAN24", "TIFF"}) {
+        SCOPED_TRACE(format.toStdString());
+        auto c8 = scannedColour<CEL_PixmapRGBA8>(50, 20);
+        ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(c8), file("c8.tif"), format, {}, 300));
+        const TiffTags t = tagsOf(file("c8.tif"));
+        EXPECT_EQ(t.xResolution, 300.0f);
+        EXPECT_EQ(t.yResolution, 300.0f);
+        EXPECT_EQ(t.resolutionUnit, RESUNIT_INCH);
+        const std::vector<uint32_t> seen = seenElsewhere(file("c8.tif"));
+        ASSERT_EQ(seen.size(), c8->pixelCount());
+        for (size_t i = 0; i < seen.size(); ++i) {
+            const CEL_RGBA8Pixel p = c8->data()[i];
+            ASSERT_EQ(seen[i], 0xFF000000u | uint32_t(p.b) << 16 | uint32_t(p.g) << 8 | p.r) << i;
+        }
+        EXPECT_TRUE(samePixels(*c8, readFile(file("c8.tif")).rep));
+
+        auto c16 = scannedColour<CEL_PixmapRGBA16>(20, 50);
+        ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(c16), file("c16.tif"), format));
+        const std::vector<uint32_t> seen16 = seenElsewhere(file("c16.tif"));
+        ASSERT_EQ(seen16.size(), c16->pixelCount());
+        EXPECT_TRUE(std::all_of(seen16.begin(), seen16.end(), [](uint32_t v) { return TIFFGetA(v) == 255; }));
+        EXPECT_TRUE(samePixels(*c16, readFile(file("c16.tif")).rep));
+        EXPECT_EQ(tagsOf(file("c16.tif")).xResolution, 0.0f);  // a cel of unknown dpi claims none
+    }
+}
+
 TEST_F(ScratchDir, FormatNamesDecideG4AndAlpha)
 {
     // The general TIFF never goes to 1 bit.
@@ -137,26 +199,18 @@ TEST_F(ScratchDir, FormatNamesDecideG4AndAlpha)
     EXPECT_EQ(tagsOf(file("general.tif")).bps, 8);
     EXPECT_TRUE(samePixels(*bw, readFile(file("general.tif")).rep));
 
-    // SCAN24 stores colour without alpha; it reads back with alpha 0, as scanned.
-    auto c8 = noiseLeaf<CEL_PixmapRGBA8>(50, 20);
-    auto c16 = noiseLeaf<CEL_PixmapRGBA16>(20, 50);
-    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(c8), file("c8.tif"), QStringLiteral("SCAN24")));
-    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(c16), file("c16.tif"), QStringLiteral("SCAN24")));
-    EXPECT_EQ(tagsOf(file("c8.tif")).spp, 3);
-    EXPECT_EQ(tagsOf(file("c16.tif")).spp, 3);
-    for (auto *p = c8->data(); p != c8->data() + c8->pixelCount(); ++p)
-        p->a = 0;
-    for (auto *p = c16->data(); p != c16->data() + c16->pixelCount(); ++p)
-        p->a = 0;
-    EXPECT_TRUE(samePixels(*c8, readFile(file("c8.tif")).rep));
-    EXPECT_TRUE(samePixels(*c16, readFile(file("c16.tif")).rep));
-    EXPECT_FALSE(readFile(file("c8.tif")).info.hasAlpha);
-
-    // SCAN32 keeps it.
+    // An alpha of the picture's own: SCAN32 keeps it, SCAN24 drops it and
+    // reads back with alpha 0, as scanned.
     auto alpha = noiseLeaf<CEL_PixmapRGBA8>(9, 9);
     ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(alpha), file("c32.tif"), QStringLiteral("SCAN32")));
     EXPECT_EQ(tagsOf(file("c32.tif")).spp, 4);
     EXPECT_TRUE(samePixels(*alpha, readFile(file("c32.tif")).rep));
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(alpha), file("c24.tif"), QStringLiteral("SCAN24")));
+    EXPECT_EQ(tagsOf(file("c24.tif")).spp, 3);
+    for (auto *p = alpha->data(); p != alpha->data() + alpha->pixelCount(); ++p)
+        p->a = 0;
+    EXPECT_TRUE(samePixels(*alpha, readFile(file("c24.tif")).rep));
+    EXPECT_FALSE(readFile(file("c24.tif")).info.hasAlpha);
 }
 
 TEST_F(ScratchDir, DateComesFromTheFileNotItsModificationTime)

@@ -46,5 +46,8 @@ constexpr qint64 kMaxImageBytes = qint64(1) << 31;
 
 // Refuses pictures whose pixel block couldn't sensibly be held in memory.
 bool sizeIsSane(qint64 width, qint64 height, int bytesPerPixel);
+// The last error for a refused size: beyond kMaxImageBytes (`tooLarge`), or
+// more than the file's bytes could decode to.
+void setSizeError(const QString &path, qint64 width, qint64 height, bool tooLarge);
 
 }  // namespace celio

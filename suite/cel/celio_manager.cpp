@@ -32,6 +32,13 @@ void setLastError(const QString &text)
     lastErrorText = text;
 }
 
+void setSizeError(const QString &path, qint64 width, qint64 height, bool tooLarge)
+{
+    const QString text = tooLarge ? QStringLiteral("Cannot read %1: a picture of %2 x %3 pixels is too large.")
+                                  : QStringLiteral("Cannot read %1: the file is too small for a picture of %2 x %3 pixels.");
+    setLastError(text.arg(path, QString::number(width), QString::number(height)));
+}
+
 bool sizeIsSane(qint64 width, qint64 height, int bytesPerPixel)
 {
     return width > 0 && height > 0 && width <= kMaxSide && height <= kMaxSide && bytesPerPixel > 0 &&

@@ -114,7 +114,7 @@ bool pngChunksFit(const QString &path, qint64 fileSize)
         const quint32 length = qFromBigEndian<quint32>(head);
         if (length > fileSize - pos - 12) {
             setLastError(QStringLiteral("Cannot read %1: a PNG chunk claims %2 bytes, more than the file holds.")
-                             .arg(path).arg(length));
+                             .arg(path, QString::number(length)));
             return false;
         }
         if (std::memcmp(head + 4, "IEND", 4) == 0)
@@ -133,25 +133,26 @@ bool readQtImage(const QString &path, qint64 fileSize, ReadResult &out)
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(false);
-    // What the decoder may allocate; Qt's own default (256 MB) would refuse a
-    // full sheet in colour and let a tiny file claim far too much.
+    // What the picture may take, by what its file's bytes could decode to.
     const qint64 budget = std::clamp(fileSize * kMaxExpansion, kMinBudget, kMaxImageBytes);
-    reader.setAllocationLimit(int((budget + (1 << 20) - 1) >> 20));
+    qint64 allowed = budget;
     const QSize size = reader.size();
     if (size.isValid()) {
+        const QImage::Format decoded = reader.imageFormat();
+        const int bits = QImage::toPixelFormat(decoded).bitsPerPixel();
+        const int leafBytes = isSixteenBitColour(decoded) ? 8 : 4;
         const qint64 pixels = qint64(size.width()) * size.height();
-        const QImage::Format format = reader.imageFormat();
-        const int bits = QImage::toPixelFormat(format).bitsPerPixel();
-        QString why;
-        if (!sizeIsSane(size.width(), size.height(), isSixteenBitColour(format) ? 8 : 4))
-            why = QStringLiteral("a picture of %2 x %3 pixels is too large.");
-        else if (pixels * (bits > 0 ? bits : 32) / 8 > budget)
-            why = QStringLiteral("the file is too small for a picture of %2 x %3 pixels.");
-        if (!why.isEmpty()) {
-            setLastError((QStringLiteral("Cannot read %1: ") + why).arg(path).arg(size.width()).arg(size.height()));
+        const bool tooLarge = !sizeIsSane(size.width(), size.height(), leafBytes);
+        if (tooLarge || pixels * (bits > 0 ? bits : 32) / 8 > budget) {
+            setSizeError(path, size.width(), size.height(), tooLarge);
             return false;
         }
+        // Qt's guard counts four bytes a pixel whatever the picture decodes
+        // to, and would refuse a blank black-and-white sheet.
+        allowed = pixels * leafBytes;
     }
+    // One limit for the whole process in Qt; files are read one at a time.
+    QImageReader::setAllocationLimit(int((allowed + (1 << 20) - 1) >> 20));
     const QByteArray format = reader.format();  // known only until the read ends
     const QImage image = reader.read();
     if (image.isNull()) {

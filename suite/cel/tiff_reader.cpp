@@ -145,8 +145,7 @@ int outBytesPerPixel(int type)
 bool plausible(const Header &h, qint64 fileSize, const QString &path)
 {
     if (!sizeIsSane(h.width, h.height, outBytesPerPixel(h.outType))) {
-        setLastError(QStringLiteral("Cannot read %1: a picture of %2 x %3 pixels is too large.")
-                         .arg(path).arg(h.width).arg(h.height));
+        setSizeError(path, h.width, h.height, true);
         return false;
     }
     const uint64_t pixels = uint64_t(h.width) * h.height;
@@ -154,8 +153,7 @@ bool plausible(const Header &h, qint64 fileSize, const QString &path)
     const uint64_t out = pixels * uint64_t(outBytesPerPixel(h.outType));
     const uint64_t size = uint64_t(std::max<qint64>(fileSize, 1));
     if (raw > size * maxExpansion(h.compression) || out > size * kMaxOutputPerFileByte) {
-        setLastError(QStringLiteral("Cannot read %1: the file is too small for a picture of %2 x %3 pixels.")
-                         .arg(path).arg(h.width).arg(h.height));
+        setSizeError(path, h.width, h.height, false);
         return false;
     }
     return true;

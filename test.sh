@@ -20,7 +20,7 @@ ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --test-dir build-asan --output-on-failure -j "$jobs" -LE gui
 
 echo "== Fuzz targets (each corpus, then fixed runs) =="
-CC=clang CXX=clang++ scripts/build.sh build-fuzz -DSCAN_BUILD_FUZZ=ON -DSCAN_BUILD_TESTS=OFF -DSCAN_BUILD_BENCH=OFF
+BUILD_TARGET=fuzz_targets CC=clang CXX=clang++ scripts/build.sh build-fuzz -DSCAN_BUILD_FUZZ=ON -DSCAN_BUILD_TESTS=OFF -DSCAN_BUILD_BENCH=OFF
 scripts/run-fuzz.sh build-fuzz
 
 echo "== Final unit test run =="

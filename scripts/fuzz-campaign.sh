@@ -10,7 +10,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
 seconds=${FUZZ_SECONDS:-300}
-CC=clang CXX=clang++ scripts/build.sh build-fuzz -DSCAN_BUILD_FUZZ=ON -DSCAN_BUILD_TESTS=OFF -DSCAN_BUILD_BENCH=OFF
+BUILD_TARGET=fuzz_targets CC=clang CXX=clang++ scripts/build.sh build-fuzz -DSCAN_BUILD_FUZZ=ON -DSCAN_BUILD_TESTS=OFF -DSCAN_BUILD_BENCH=OFF
 source scripts/fuzz-common.sh
 shopt -s nullglob
 

@@ -4,35 +4,25 @@
 #include <QImage>
 
 #include <array>
+#include <tuple>
 
 #include "pixmap_test_support.h"
 
 namespace {
 
-TEST(PixmapCreate, EachKindFillsItsOwnSlot)
+TEST(PixmapCreate, EachKindFillsItsOwnSlotAndOtherKindsNone)
 {
-    struct Want {
-        int32_t kind;
-        int cel_type;
-    };
-    for (const Want w : {Want{PIXMAP_RGBA16, 6}, Want{PIXMAP_RGBA8, 7}, Want{PIXMAP_MATTE16, 9}, Want{PIXMAP_MATTE8, 8}}) {
-        PixmapHolder pm(create_pixmap(w.kind, 6, 4, 2, 3));
-        EXPECT_EQ(type_of_pixmap(pm.get()), w.kind);
+    for (auto [kind, cel_type] : {std::pair{PIXMAP_RGBA16, 6}, {PIXMAP_RGBA8, 7}, {PIXMAP_MATTE16, 9}, {PIXMAP_MATTE8, 8}}) {
+        PixmapHolder pm(create_pixmap(kind, 6, 4, 2, 3));
+        EXPECT_EQ(type_of_pixmap(pm.get()), kind);
         const CEL_PixmapPtr leaf = best_of_pixmap(pm.get());
         ASSERT_TRUE(leaf);
-        EXPECT_EQ(leaf->type(), w.cel_type);
-        EXPECT_EQ(leaf->width(), 6);
-        EXPECT_EQ(leaf->height(), 4);
-        EXPECT_EQ(pm->x_offset, 2);
-        EXPECT_EQ(pm->y_offset, 3);
-        const int filled = !!rgba8_of_pixmap(pm.get()) + !!rgba16_of_pixmap(pm.get()) + !!matte8_of_pixmap(pm.get()) +
-                           !!matte16_of_pixmap(pm.get());
-        EXPECT_EQ(filled, 1);
+        EXPECT_EQ(std::tuple(leaf->type(), leaf->width(), leaf->height(), pm->x_offset, pm->y_offset),
+                  std::tuple(cel_type, 6, 4, 2, 3));
+        EXPECT_EQ(!!rgba8_of_pixmap(pm.get()) + !!rgba16_of_pixmap(pm.get()) + !!matte8_of_pixmap(pm.get()) +
+                      !!matte16_of_pixmap(pm.get()),
+                  1);
     }
-}
-
-TEST(PixmapCreate, NoneAndUnknownKindsHaveNoPixels)
-{
     MessageCapture capture;
     PixmapHolder none(create_pixmap(PIXMAP_NONE, 3, 3));
     EXPECT_EQ(assertion_count(capture), 0);
@@ -153,7 +143,7 @@ std::vector<uint8_t> grey_pixels(const LMV_pixmap *pm)
     return {leaf->data(), leaf->data() + leaf->pixelCount()};
 }
 
-TEST(PixmapOperations, FlipMirrorsRowsOrColumns)
+TEST(PixmapOperations, FlipMirrorsAndScaleReplacesTheLeafWithTheMovedPicture)
 {
     PixmapHolder pm = counting_grey();
     flip_pixmap(pm.get(), true);
@@ -161,11 +151,8 @@ TEST(PixmapOperations, FlipMirrorsRowsOrColumns)
     pm = counting_grey();
     flip_pixmap(pm.get(), false);
     EXPECT_EQ(grey_pixels(pm.get()), (std::vector<uint8_t>{2, 1, 0, 5, 4, 3}));
-}
 
-TEST(PixmapOperations, ScaleReplacesTheLeafWithTheMovedPicture)
-{
-    PixmapHolder pm = counting_grey();
+    pm = counting_grey();
     pm->owns_data = 0;
     scale_pixmap(pm.get(), 1.0, 0.0, 4, 2, 1.0, 1.0);
     EXPECT_EQ(width_of_pixmap(pm.get()), 4);

@@ -7,9 +7,9 @@
 #include "db_backend_fixture.h"
 #include "suite/db/dba_path.h"
 
-class DbSession : public DbBackendTest {};
+class DbSessionTest : public DbBackendTest {};
 
-TEST_P(DbSession, SchemaIsMadeOnceAndReopeningKeepsTheData) {
+TEST_P(DbSessionTest, SchemaIsMadeOnceAndReopeningKeepsTheData) {
     EXPECT_GE(db_->schemaVersion(), 1);
     const int version = db_->schemaVersion();
     const LMV_element_data element = makeElement();
@@ -27,7 +27,7 @@ TEST_P(DbSession, SchemaIsMadeOnceAndReopeningKeepsTheData) {
     }
 }
 
-TEST_P(DbSession, SelectionStartsWithTheUserAndDefaultEnvironmentAndNarrowsDown) {
+TEST_P(DbSessionTest, SelectionStartsWithTheUserAndDefaultEnvironmentAndNarrowsDown) {
     EXPECT_FALSE(db_->userName().isEmpty());
     EXPECT_EQ(db_->envName(), QStringLiteral("default"));
     EXPECT_EQ(db_->openScene(), nullptr);
@@ -55,7 +55,7 @@ TEST_P(DbSession, SelectionStartsWithTheUserAndDefaultEnvironmentAndNarrowsDown)
     EXPECT_TRUE(db_->jobs().empty());
 }
 
-TEST_P(DbSession, SettingsFileChoosesUserAndEnvironment) {
+TEST_P(DbSessionTest, SettingsFileChoosesUserAndEnvironment) {
     QTemporaryDir etc;
     const QByteArray saved = qgetenv("SCAN_ETC");
     qputenv("SCAN_ETC", etc.path().toLocal8Bit());
@@ -74,7 +74,7 @@ TEST_P(DbSession, SettingsFileChoosesUserAndEnvironment) {
     if (saved.isEmpty()) qunsetenv("SCAN_ETC");
 }
 
-DB_BACKEND_TESTS(DbSession);
+DB_BACKEND_TESTS(DbSessionTest);
 
 TEST(DbSessionOpen, UnreachableServerAndUnmakeableFileFail) {
     SqlDbAccess server(QStringLiteral("postgresql://nobody@127.0.0.1:1/none"));

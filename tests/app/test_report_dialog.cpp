@@ -31,47 +31,28 @@ QStringList buttonTexts(const QMessageBox &box) {
     return out;
 }
 
-TEST(ReportBox, OneErrorStandsAloneUnderItsHeading) {
+// The box takes heading and text from the pending report (tested with it);
+// here, what the box adds: icon, title, buttons and width.
+TEST(ReportBox, HeadingIconAndButtonsOfEachSeverity) {
     const auto box = makeReportBox('E', {QStringLiteral("The scanner did not answer.")}, false, "Scan", nullptr);
     EXPECT_EQ(box->text(), "The following error occurred:\nThe scanner did not answer.");
-    EXPECT_EQ(box->icon(), QMessageBox::Critical);
     EXPECT_EQ(box->windowTitle(), "Scan");
     EXPECT_EQ(buttonTexts(*box), QStringList{"OK"});
     box->show();
     save_screenshot(box.get(), "report_one_error");
     EXPECT_GE(box->width(), kReportBoxWidth);
-}
+    for (auto [severity, icon] : {std::pair{'E', QMessageBox::Critical}, {'W', QMessageBox::Warning},
+                                  {'I', QMessageBox::Information}})
+        EXPECT_EQ(makeReportBox(severity, {"a", "b"}, false, "Scan", nullptr)->icon(), icon) << severity;
 
-TEST(ReportBox, SeveralTextsAreListedWithHeadingAndIconOfTheirSeverity) {
-    const QStringList two{QStringLiteral("First"), QStringLiteral("Second")};
-    const auto warnings = makeReportBox('W', two, false, "Scan", nullptr);
+    const auto warnings = makeReportBox('W', {QStringLiteral("First"), QStringLiteral("Second")}, false, "Scan", nullptr);
     EXPECT_EQ(warnings->text(), "The following warnings occurred:\n - First\n - Second\n");
-    EXPECT_EQ(warnings->icon(), QMessageBox::Warning);
     warnings->show();
     save_screenshot(warnings.get(), "report_two_warnings");
-
-    EXPECT_EQ(makeReportBox('W', {"One"}, false, "Scan", nullptr)->text(), "The following warning occurred:\nOne");
-    EXPECT_EQ(makeReportBox('E', two, false, "Scan", nullptr)->text().section('\n', 0, 0),
-              "The following errors occurred:");
-    const auto info = makeReportBox('I', two, false, "Scan", nullptr);
-    EXPECT_EQ(info->text().section('\n', 0, 0), "Information:");
-    EXPECT_EQ(info->icon(), QMessageBox::Information);
-}
-
-TEST(ReportBox, ThirtyTextsShowTwentyNineLinesAndAnEllipsis) {
-    const auto box = makeReportBox('E', numbered(30), false, "Scan", nullptr);
-    const QStringList lines = box->text().split('\n');
-    ASSERT_EQ(lines.size(), 31);  // heading, 29 texts, "..."
-    EXPECT_EQ(lines[1], " - Message 1");
-    EXPECT_EQ(lines[29], " - Message 29");
-    EXPECT_EQ(lines[30], "...");
-    box->show();
-    save_screenshot(box.get(), "report_thirty_errors");
-
-    const QStringList exact = makeReportBox('E', numbered(29), false, "Scan", nullptr)->text().split('\n');
-    EXPECT_EQ(exact.size(), 31);  // the last text ends its line; nothing is cut
-    EXPECT_EQ(exact[29], " - Message 29");
-    EXPECT_FALSE(exact.contains("..."));
+    const auto thirty = makeReportBox('E', numbered(30), false, "Scan", nullptr);
+    EXPECT_TRUE(thirty->text().endsWith(" - Message 29\n..."));
+    thirty->show();
+    save_screenshot(thirty.get(), "report_thirty_errors");
 }
 
 TEST(ReportBox, IgnoreAllIsToldApartFromIgnore) {

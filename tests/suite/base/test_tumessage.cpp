@@ -5,13 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <thread>
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "suite/base/msg_scope.h"
 #include "suite/base/pending_report.h"
@@ -138,40 +133,6 @@ TEST_F(MessageTest, LockIsRemovedWithTheObjectAndLogStays) {
     EXPECT_TRUE(QDir(dir.path()).entryList(QDir::Files).isEmpty());
     again->trace(MSG_Text::untranslated("after removal"));  // harmless, goes nowhere
     EXPECT_TRUE(QDir(dir.path()).entryList(QDir::Files).isEmpty());
-}
-
-TEST_F(MessageTest, LockOfALiveProcessIsSkippedAndReusedOnceItDied) {
-    const QByteArray lockPath =
-        QFile::encodeName(dir.path() + "/ScanStation_tester_0001.lock");
-    int ready[2];
-    ASSERT_EQ(::pipe(ready), 0);
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        // Another station holding log 1; only async-signal-safe calls here.
-        const int fd = ::open(lockPath.constData(), O_WRONLY | O_CREAT, 0644);
-        const bool ok = fd >= 0 && ::flock(fd, LOCK_EX | LOCK_NB) == 0 && ::write(fd, "other\n", 6) == 6;
-        const char byte = ok ? '1' : '0';
-        (void)!::write(ready[1], &byte, 1);
-        for (;;) ::pause();
-    }
-    ::close(ready[1]);
-    char byte = 0;
-    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
-    ::close(ready[0]);
-    ASSERT_EQ(byte, '1');
-
-    {
-        auto m = open();
-        EXPECT_TRUE(m->logPath().endsWith("_0002.log")) << m->logPath().toStdString();
-    }
-    ::kill(child, SIGKILL);  // dies without removing its lock
-    ::waitpid(child, nullptr, 0);
-    ASSERT_TRUE(QFile::exists(QFile::decodeName(lockPath)));
-
-    auto m = open();
-    EXPECT_TRUE(m->logPath().endsWith("_0001.log")) << m->logPath().toStdString();
-    EXPECT_TRUE(readFile(m->lockPath()).endsWith("User: tester\n"));
 }
 
 TEST_F(MessageTest, ConsoleModeWritesNoFiles) {

@@ -95,15 +95,6 @@ TEST(BogusFieldChart, OffsetFileMovesTheChart) {
               "DUMMY_XYR_OFFSET_FILE opened\nxoff:0.5, yoff:0.25, roff:0\nxoff:0.5, yoff:0.25, roff:0\n");
     EXPECT_TRUE(white(moved, landing(599.5, 37.5, 50, 25)));
     EXPECT_FALSE(white(moved, landing(599.5, 37.5)));
-
-    // A degree clockwise about the sheet's corner swings the hole, 600 pixels
-    // down the sheet, ten pixels towards the peg edge.
-    dir.write("DUMMY_XYR_OFFSET_FILE", "0,0,1\n");
-    testing::internal::CaptureStderr();
-    const QImage turned = make_field_chart(kField, kDpi, false, 1.0, 1.0);
-    testing::internal::GetCapturedStderr();
-    EXPECT_TRUE(white(turned, QPoint(int(27.0 * kWide / kSquare), 601)));
-    EXPECT_FALSE(white(turned, QPoint(int(48.0 * kWide / kSquare), 600)));
 }
 
 // ---- The device --------------------------------------------------------------

@@ -16,13 +16,6 @@
 
 namespace {
 
-int assertion_count(const MessageCapture &messages) {
-    return int(std::count_if(messages.lines().begin(), messages.lines().end(), [](const auto &line) {
-        return line.second.starts_with("Internal assertion error detected (") &&
-               line.second.find("drawing.cpp:") != std::string::npos;
-    }));
-}
-
 // A small grey pixmap whose pixel (x, y) holds 10 * y + x.
 LMV_pixmap *numbered_matte8(int32_t width, int32_t height) {
     LMV_pixmap *p = create_pixmap(PIXMAP_MATTE8, width, height);
@@ -33,42 +26,6 @@ LMV_pixmap *numbered_matte8(int32_t width, int32_t height) {
 }
 
 }  // namespace
-
-TEST(Drawing, NullRecordGivesNeutralValuesAndAnAssertionEach) {
-    MessageCapture messages;
-    const Drawing *none = nullptr;
-    Drawing *writable = nullptr;
-    EXPECT_TRUE(name_of_Drawing(none).isEmpty());
-    EXPECT_TRUE(path_of_Drawing(none).isEmpty());
-    EXPECT_EQ(saved_of_Drawing(none), 0);
-    EXPECT_EQ(file_format_of_Drawing(none), 24);
-    EXPECT_EQ(pixel_shape_of_Drawing(none), 2);
-    EXPECT_EQ(window_xres_inches_of_Drawing(none), -1.0);
-    EXPECT_EQ(window_yres_inches_of_Drawing(none), -1.0);
-    EXPECT_EQ(window_xoffset_inches_of_Drawing(none), -1.0);
-    EXPECT_EQ(scan_depth_of_Drawing(none), 0);
-    EXPECT_EQ(pixmap_of_Drawing(none), nullptr);
-    EXPECT_EQ(scaninfo_of_Drawing(none), nullptr);
-    EXPECT_EQ(id_of_Drawing(&writable), -1);
-    EXPECT_EQ(id_of_Drawing(nullptr), -1);
-    EXPECT_EQ(threshold_of_Drawing(none), -1);
-    EXPECT_EQ(peg_side_of_Drawing(none), 0);
-    EXPECT_FALSE(pegged_of_Drawing(none));
-    EXPECT_EQ(paper_size_of_Drawing(none), 0.0f);
-    EXPECT_EQ(dpi_of_Drawing(none), 0.0f);
-    EXPECT_EQ(assertion_count(messages), 18);
-
-    messages.clear();
-    set_file_format_of_Drawing(writable, 2);
-    set_threshold_of_Drawing(writable, 128);
-    set_scan_host_of_Drawing(writable, QStringLiteral("host"));
-    rotation_of_Drawing(writable, 0.1f, 1.0f, 2.0f);
-    set_pixmap_of_Drawing(writable, nullptr);
-    flip_Drawing(writable);
-    destroy_Drawing(&writable);
-    EXPECT_EQ(save_Drawing(writable), 1);
-    EXPECT_EQ(assertion_count(messages), 8);
-}
 
 TEST(Drawing, FreshRecordAndItsScanFields) {
     Drawing *d = create_Drawing(QStringLiteral("BG"), QStringLiteral("0001"), QStringLiteral("/scans"));

@@ -185,23 +185,6 @@ TEST(PegMask, MatchesACellByCellStamp) {
     }
 }
 
-TEST(PegMask, LimitsAreInclusiveFloorAndCeil) {
-    BM_GreyMap grey = filled(10, 8, 150);
-    BM_MaskMap mask;
-    build_peg_mask(grey, mask, 100, box(2.5, 1.2, 5.2, 3.0), kNoBox, 0, 0, false);
-    for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 10; ++x) {
-            const bool inside = x >= 2 && x <= 6 && y >= 1 && y <= 3;
-            EXPECT_EQ(mask.get(x, y), inside ? 1u : 0u) << x << "," << y;
-            EXPECT_EQ(grey.get(x, y), inside ? 150u : 0u) << x << "," << y;
-        }
-
-    // A box that misses the picture wipes it all.
-    build_peg_mask(grey, mask, 100, box(20, 0, 30, 8), kNoBox, 2, 2, false);
-    EXPECT_EQ(count_set(mask), 0);
-    EXPECT_EQ(grey.get(3, 2), 0u);
-}
-
 TEST(PegMask, ReportsFewerThanThreeValuesInTheBox) {
     BM_GreyMap grey(20, 6);
     for (int x = 0; x < 20; ++x) grey.set(x, 2, x % 2 ? 255 : 0);
@@ -294,43 +277,6 @@ TEST(ContourTracer, OnePixelIsADiamondOfCrackMidpoints) {
     EXPECT_DOUBLE_EQ(std::abs(paths[0].signedArea()), 0.5);
 }
 
-TEST(ContourTracer, RegionsHolesAndCorners) {
-    // Pixels touching at a corner, both ways round: one region each.
-    for (bool falling : {true, false}) {
-        BM_MaskMap mask(12, 12);
-        mask.set(4, falling ? 4 : 5, 1);
-        mask.set(5, falling ? 5 : 4, 1);
-        const auto paths = trace(mask);
-        ASSERT_EQ(paths.size(), 1u) << falling;
-        EXPECT_EQ(paths[0].pointCount(), 9);
-    }
-
-    // A ring: the region's boundary and the island's, each closed. The scan
-    // meets the island's upper crack first.
-    BM_MaskMap ring(12, 12);
-    for (int y = 3; y < 6; ++y)
-        for (int x = 3; x < 6; ++x) ring.set(x, y, x != 4 || y != 4);
-    auto paths = trace(ring);
-    ASSERT_EQ(paths.size(), 2u);
-    EXPECT_EQ(paths[0].pointCount(), 5);
-    EXPECT_DOUBLE_EQ(std::abs(paths[0].signedArea()), 0.5);
-    EXPECT_EQ(paths[1].pointCount(), 13);
-    EXPECT_DOUBLE_EQ(std::abs(paths[1].signedArea()), 8.5);
-    for (const auto &p : paths) EXPECT_EQ(p.point(0), p.lastPoint());
-
-    // A ring of four pixels touching at corners around a one-pixel island,
-    // whose top pixel starts a byte after an empty byte: the scan meets the
-    // island first, and the two boundaries must stay apart.
-    BM_MaskMap diamond(24, 12);
-    diamond.set(8, 4, 1);
-    diamond.set(7, 5, 1);
-    diamond.set(9, 5, 1);
-    diamond.set(8, 6, 1);
-    paths = trace(diamond);
-    ASSERT_EQ(paths.size(), 2u);
-    EXPECT_EQ(paths[0].pointCount() + paths[1].pointCount(), 12 + 1 + 4 + 1);
-}
-
 TEST(ContourTracer, FrameOfTwoPixelsIsClearedAndLimitsHold) {
     BM_MaskMap mask(16, 16);
     mask.set(1, 8, 1);
@@ -353,23 +299,6 @@ TEST(ContourTracer, FrameOfTwoPixelsIsClearedAndLimitsHold) {
     trace_contours(limited, paths);
     ASSERT_EQ(paths.size(), 1u);
     EXPECT_EQ(paths[0].point(0), (Math::Point2d{13.5, 14}));
-}
-
-TEST(ContourTracer, FilledDiscLosesHalfAPixel) {
-    // Crack midpoints cut each convex corner by 1/8 and add 1/8 at each
-    // concave one; a simple region has four more convex corners.
-    BM_MaskMap mask(64, 64);
-    int pixels = 0;
-    for (int y = 0; y < 64; ++y)
-        for (int x = 0; x < 64; ++x)
-            if ((x - 31) * (x - 31) + (y - 30) * (y - 30) <= 20 * 20) {
-                mask.set(x, y, 1);
-                ++pixels;
-            }
-    const auto paths = trace(mask);
-    ASSERT_EQ(paths.size(), 1u);
-    EXPECT_DOUBLE_EQ(std::abs(paths[0].signedArea()), pixels - 0.5);
-    EXPECT_DOUBLE_EQ(paths[0].boundingBox().x0, 11.0);
 }
 
 // Every crack walked once, one polygon per boundary, on random blobs.

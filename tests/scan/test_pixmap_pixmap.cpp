@@ -49,18 +49,6 @@ TEST(PixmapSlots, TypeAndBestAskInTheirOwnOrders)
     EXPECT_EQ(best_of_pixmap(pm.get())->type(), CEL_TYPE_RGBA8);
 }
 
-TEST(PixmapSlots, NullRecordAssertsAndGivesNeutralValues)
-{
-    MessageCapture capture;
-    EXPECT_EQ(type_of_pixmap(nullptr), PIXMAP_NONE);
-    EXPECT_EQ(width_of_pixmap(nullptr), 0);
-    EXPECT_EQ(rgba8_data_of_pixmap(nullptr), nullptr);
-    EXPECT_FALSE(best_of_pixmap(nullptr));
-    release_pixmap(nullptr);
-    EXPECT_EQ(clone_pixmap(nullptr), nullptr);
-    EXPECT_EQ(assertion_count(capture), 5);
-}
-
 TEST(PixmapSlots, SetHandsTheBlockToANewLeafAndEmptiesTheOthers)
 {
     PixmapHolder pm(create_pixmap(PIXMAP_RGBA8, 8, 8));

@@ -116,15 +116,6 @@ TEST(RegistrationAccuracy, ColourScanOfTheChart) {
     expect_within_goals(regacc::paint_sheet(sheet), sheet, Depth::Colour);
 }
 
-TEST(RegistrationAccuracy, OffsetFileSetsTheSkewOfAScan) {
-    const ChartSheet sheet{16.0, 150, {0.1, -0.1, -0.7}};
-    const QImage chart = regacc::sheet_through_offset_file(sheet);
-    ASSERT_FALSE(chart.isNull());
-    // The file's skew, not a random one: the very chart painted with it.
-    EXPECT_TRUE(chart == regacc::paint_sheet(sheet));
-    expect_within_goals(chart, sheet);
-}
-
 // Two slits side by side where the round hole was, each of a round hole's
 // area, both on the bar and near its middle: two fits, so no registration.
 TEST(RegistrationAccuracy, TwoCentreCandidatesBetweenTheSlotsRefuse) {

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Line coverage of the code folders by the unit tests, with gcov:
-# scripts/coverage.sh [BUILD_DIR]   (default build-cov)
+#   scripts/coverage.sh [BUILD_DIR]   (default build-cov)
+# COVERAGE_TESTS=REGEX runs only the ctest entries it matches; COVERAGE_DETAIL=PREFIX
+# also lists each source file under PREFIX (for instance scan/) with its lines.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 dir=$(mkdir -p "${1:-$root/build-cov}" && cd "${1:-$root/build-cov}" && pwd)
@@ -9,12 +11,13 @@ cmake -S "$root" -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DSCAN_BUILD_BENCH=
 cmake --build "$dir" -j "$(nproc)"
 find "$dir" -name '*.gcda' -delete
 # A failing test still counts what it ran; ctest names it.
-QT_QPA_PLATFORM=offscreen ctest --test-dir "$dir" -j "$(nproc)" | tail -n 3 || true
+QT_QPA_PLATFORM=offscreen ctest --test-dir "$dir" -j "$(nproc)" ${COVERAGE_TESTS:+-R "$COVERAGE_TESTS"} | tail -n 3 || true
 # A line counts once however many translation units include it.
 find "$dir" -name '*.gcda' -print0 | (cd "$dir" && xargs -0 gcov --json-format --stdout 2>/dev/null) |
 python3 -c '
 import json, os, sys, collections
-root, folders = sys.argv[1], ("app", "scan", "suite", "workflow", "vectorize", "tools")
+root, detail = sys.argv[1], sys.argv[2]
+folders = ("app", "scan", "suite", "workflow", "vectorize", "tools")
 hit = collections.defaultdict(dict)
 for doc in sys.stdin:
     doc = json.loads(doc)
@@ -25,6 +28,10 @@ for doc in sys.stdin:
         lines = hit[path[len(root) + 1:]]
         for l in f["lines"]:
             lines[l["line_number"]] = lines.get(l["line_number"], False) or l["count"] > 0
+if detail:
+    for path in sorted(p for p in hit if p.startswith(detail)):
+        lines = hit[path]
+        print(f"{path:60} {sum(lines.values()):5} / {len(lines):5}")
 total = collections.Counter()
 for path, lines in hit.items():
     top = path.split("/")[0]
@@ -35,4 +42,4 @@ for top in folders:
 n, c = sum(total[t, 0] for t in folders), sum(total[t, 1] for t in folders)
 top = "all"
 print(f"{top:10} {c:6} / {n:6}  {100 * c / n:5.1f} %")
-' "$root"
+' "$root" "${COVERAGE_DETAIL:-}"

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <string>
 
@@ -27,6 +28,9 @@ protected:
                          double pegBarSize = 1.0, const PegMargins &margins = kNoMargins) const {
         return PegInfo(true, 0, false, info, "sheet.tif", false, width, height, margins, keepPegBars, pegBarSize, 0.0,
                        options);
+    }
+    PegInfo plain(uint16_t width, uint16_t height, double field = 0.0, const QString &name = "p.png") const {
+        return PegInfo(false, 0, false, QString(), name, false, width, height, kNoMargins, false, 1.0, field, options);
     }
 
     QTemporaryDir dir;
@@ -56,14 +60,12 @@ void expectNear(Point2d got, Point2d want, double tolerance = 1e-6) {
     EXPECT_NEAR(got.y, want.y, tolerance);
 }
 
+std::array<double, 4> corners(const Math::Box2d &b) { return {b.x0, b.y0, b.x1, b.y1}; }
+
 // Where the centre peg of a side lies in the world, `inches` from the middle.
-Point2d pegWorldPosition(const char *side, double inches) {
+Point2d pegWorldPosition(const std::string &side, double inches) {
     const double v = kUnitsPerInchAtField12 * inches;
-    const std::string s(side);
-    if (s == "Bottom") return {0, -v};
-    if (s == "Top") return {0, v};
-    if (s == "Left") return {-v, 0};
-    return {v, 0};
+    return side == "Bottom" ? Point2d{0, -v} : side == "Top" ? Point2d{0, v} : side == "Left" ? Point2d{-v, 0} : Point2d{v, 0};
 }
 
 Point2d rotatedAbout(Point2d p, Point2d pivot, double angle) {
@@ -94,77 +96,71 @@ TEST_F(PegInfoTest, ScanInfoPutsTheRotationCentreOnThePegOfEverySideAndField) {
             EXPECT_FLOAT_EQ(peg.paper_size, field.field);
             EXPECT_EQ(peg.white_point, 240);
             EXPECT_EQ(peg.black_point, 10);
-            const Point2d centrePeg{centreX, height - 1.0 - centreY};
-            expectNear(peg.transform.Apply(centrePeg), pegWorldPosition(side.name, field.inches), 1e-3);
+            expectNear(peg.transform.Apply(Point2d{centreX, height - 1.0 - centreY}),
+                       pegWorldPosition(side.name, field.inches), 1e-3);
         }
     }
-}
 
-TEST_F(PegInfoTest, ScanInfoScalesAnInchToAFieldTwelfthAndTurnsBackTheAngle) {
+    // An inch is a field's twelfth and the paper's angle is turned back: a
+    // point one inch from the centre, at the angle the paper had.
     const double angle = 0.1;
     const PegInfo peg = fromScanInfo(scanInfoLine(4, 12, 300, float(angle), 1500, 2000), 3000, 2200);
     const Point2d centre{1500, 2200 - 1.0 - 2000};
-    // A point one inch from the centre, at the angle the paper had.
     const Point2d inchAway = rotatedAbout({centre.x + 300, centre.y}, centre, angle);
     expectNear(peg.transform.Apply(inchAway), {kUnitsPerInchAtField12, -kUnitsPerInchAtField12 * 5.25}, 1e-2);
-}
 
-TEST_F(PegInfoTest, DownscaleHalvesDpiAndTheCentreButNotTheField) {
+    // Reading at half size halves dpi and the centre but not the field.
     options.downscale_input = 2;
-    const PegInfo peg = fromScanInfo(scanInfoLine(4, 16, 400, 0, 2000, 3000), 2000, 1600);
-    EXPECT_EQ(peg.dpi, 200);
-    EXPECT_FLOAT_EQ(peg.paper_size, 16);
-    expectNear(peg.transform.Apply(Point2d{1000, 1600 - 1.0 - 1500}), {0, -kUnitsPerInchAtField12 * 6.75}, 1e-3);
-    EXPECT_EQ(peg.description(2), "1 Page, Pegged, Bottom Holes, 16F Paper, 200 DPI");
+    const PegInfo half = fromScanInfo(scanInfoLine(4, 16, 400, 0, 2000, 3000), 2000, 1600);
+    EXPECT_EQ(half.dpi, 200);
+    EXPECT_FLOAT_EQ(half.paper_size, 16);
+    expectNear(half.transform.Apply(Point2d{1000, 1600 - 1.0 - 1500}), {0, -kUnitsPerInchAtField12 * 6.75}, 1e-3);
 }
 
-TEST_F(PegInfoTest, PegBarBoxLiesAlongTheSideUnlessBarsAreKept) {
+TEST_F(PegInfoTest, PegBarLiesAlongTheSideUnlessKeptAndMarginsCutThePicture) {
     const uint16_t w = 2000, h = 1500;
     const struct {
         int scanSide;
-        Math::Box2d want;
+        std::array<double, 4> want;
     } cases[] = {{4, {0, h - 100.0, w, h}}, {2, {0, 0, w, 100}}, {1, {0, 0, 100, h}}, {3, {w - 100.0, 0, w, h}}};
     for (const auto &c : cases) {
         const QString line = scanInfoLine(c.scanSide, 12, 200, 0, 1000, 1400);
-        const PegInfo peg = fromScanInfo(line, w, h, false, 0.5);
-        EXPECT_DOUBLE_EQ(peg.peg_box.x0, c.want.x0) << c.scanSide;
-        EXPECT_DOUBLE_EQ(peg.peg_box.y0, c.want.y0) << c.scanSide;
-        EXPECT_DOUBLE_EQ(peg.peg_box.x1, c.want.x1) << c.scanSide;
-        EXPECT_DOUBLE_EQ(peg.peg_box.y1, c.want.y1) << c.scanSide;
+        EXPECT_EQ(corners(fromScanInfo(line, w, h, false, 0.5).peg_box), c.want) << c.scanSide;
         EXPECT_TRUE(fromScanInfo(line, w, h, true, 0.5).peg_box.isEmpty());
     }
-}
-
-TEST_F(PegInfoTest, MarginsCutThePictureWithVerticalInchesAtThreeQuarters) {
-    const PegMargins margins{1, 2, 0.5, 0.25};  // top, bottom, left, right
-    const PegInfo peg = fromScanInfo(scanInfoLine(4, 12, 200, 0, 1000, 1400), 2000, 1500, false, 1, margins);
-    EXPECT_DOUBLE_EQ(peg.picture_box.x0, 100);
-    EXPECT_DOUBLE_EQ(peg.picture_box.y0, 300);
-    EXPECT_DOUBLE_EQ(peg.picture_box.x1, 1950);
-    EXPECT_DOUBLE_EQ(peg.picture_box.y1, 1350);
-}
-
-TEST_F(PegInfoTest, MissingDpiIs75ForTheMapAnd200ForTheOperator) {
-    const QString line = "Version: 3 Peg Side: Top Pegged: Yes Paper Size: 12 Pages: 1 Rotation Angle: 0 ";
-    const PegInfo peg = fromScanInfo(line, 1000, 800);
-    EXPECT_EQ(peg.dpi, 75);
-    EXPECT_EQ(peg.description(1), "1 Page, Pegged, Top Holes, 12F Paper, 200 DPI");
-    // Unreadable values fall back the same way.
-    EXPECT_EQ(fromScanInfo("DPI: abc Paper Size: x", 1000, 800).dpi, 75);
-    EXPECT_FLOAT_EQ(fromScanInfo("DPI: abc Paper Size: x", 1000, 800).paper_size, 12);
+    // Top, bottom, left, right, in inches; a vertical inch is three quarters of the dpi.
+    const PegMargins margins{1, 2, 0.5, 0.25};
+    const PegInfo peg = fromScanInfo(scanInfoLine(4, 12, 200, 0, 1000, 1400), w, h, false, 1, margins);
+    EXPECT_EQ(corners(peg.picture_box), (std::array<double, 4>{100, 300, 1950, 1350}));
 }
 
 TEST_F(PegInfoTest, DescriptionNamesPagesPeggingSideFieldAndDpi) {
-    const auto describe = [&](const QString &info, int downscale = 1) {
-        return fromScanInfo(info, 100, 100).description(downscale);
+    // A missing or unreadable dpi is 75 for the map and 200 for the operator;
+    // only the exact word "no" counts as not pegged.
+    const struct {
+        QString info;
+        int downscale, dpi;
+        float field;
+        const char *description;
+    } cases[] = {
+        {scanInfoLine(4, 12, 300, 0, 0, 0), 1, 300, 12, "1 Page, Pegged, Bottom Holes, 12F Paper, 300 DPI"},
+        {scanInfoLine(1, 16.5f, 300, 0, 0, 0, 0, 2), 3, 100, 16.5f, "2 Pages, Not Pegged, Left Holes, 16F Paper, 100 DPI"},
+        {scanInfoLine(4, 16, 400, 0, 0, 0), 2, 200, 16, "1 Page, Pegged, Bottom Holes, 16F Paper, 200 DPI"},
+        {"Version: 3 Peg Side: Top Pegged: Yes Paper Size: 12 Pages: 1 Rotation Angle: 0 ", 1, 75, 12,
+         "1 Page, Pegged, Top Holes, 12F Paper, 200 DPI"},
+        {"DPI: abc Paper Size: x", 1, 75, 12, "1 Page, Not Pegged, Bottom Holes, 12F Paper, 200 DPI"},
+        {"Pegged: Nope", 1, 75, 12, "1 Page, Pegged, Bottom Holes, 12F Paper, 200 DPI"},
+        {"DPI: 150", 1, 150, 12, "1 Page, Not Pegged, Bottom Holes, 12F Paper, 150 DPI"},
+        {"", 1, 75, 12, ""},
     };
-    EXPECT_EQ(describe(scanInfoLine(4, 12, 300, 0, 0, 0)), "1 Page, Pegged, Bottom Holes, 12F Paper, 300 DPI");
-    EXPECT_EQ(describe(scanInfoLine(1, 16.5f, 300, 0, 0, 0, 0, 2), 3),
-              "2 Pages, Not Pegged, Left Holes, 16F Paper, 100 DPI");
-    // Only the exact word "no" counts as not pegged.
-    EXPECT_EQ(describe("Pegged: Nope"), "1 Page, Pegged, Bottom Holes, 12F Paper, 200 DPI");
-    EXPECT_EQ(describe("DPI: 150"), "1 Page, Not Pegged, Bottom Holes, 12F Paper, 150 DPI");
-    EXPECT_EQ(describe(""), "");
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.info.toStdString());
+        options.downscale_input = c.downscale;
+        const PegInfo peg = fromScanInfo(c.info, 100, 100);
+        EXPECT_EQ(peg.description(c.downscale), c.description);
+        EXPECT_EQ(peg.dpi, c.dpi);
+        EXPECT_FLOAT_EQ(peg.paper_size, c.field);
+    }
 }
 
 TEST_F(PegInfoTest, PlainImageFillsTheFieldHeightAndCarriesItsOwnKeywords) {
@@ -180,6 +176,18 @@ TEST_F(PegInfoTest, PlainImageFillsTheFieldHeightAndCarriesItsOwnKeywords) {
     expectNear(peg.transform.Apply(Point2d{0, 0}), {-halfWidth, -1875});
     expectNear(peg.transform.Apply(Point2d{2000, 1500}), {halfWidth, 1875});
 
+    // The lower right quarter of it, with y counted down in the whole picture:
+    // the part's pixel (0, 0) is the whole's pixel (1000, 0), y upward.
+    const PegInfo part(false, 0, false, QString(), "p.png", false, 1000, 750, kNoMargins, false, 1.0, 0.0, options,
+                       PegSubWindow{1000, 750, 1000, 750, 2000, 1500});
+    expectNear(part.transform.Apply(Point2d{0, 0}), peg.transform.Apply(Point2d{1000, 0}));
+    expectNear(part.transform.Apply(Point2d{1000, 750}), peg.transform.Apply(Point2d{2000, 750}));
+
+    // No height: the identity, and the text stays.
+    const PegInfo empty(false, 0, false, "kept", "e.png", false, 10, 0, kNoMargins, false, 1.0, 0.0, options);
+    EXPECT_EQ(empty.transform, Math::Matrix2x3());
+    EXPECT_EQ(empty.info, "kept");
+
     // A larger field: the same picture covers more world, and dpi follows.
     options.left_pixel_margin = 10;
     options.top_pixel_margin = 20;
@@ -188,32 +196,12 @@ TEST_F(PegInfoTest, PlainImageFillsTheFieldHeightAndCarriesItsOwnKeywords) {
     expectNear(wide.transform.Apply(Point2d{2000, 1500}), {halfWidth * 16 / 12, 2500});
     EXPECT_DOUBLE_EQ(wide.picture_box.x0, 10);
     EXPECT_DOUBLE_EQ(wide.picture_box.y1, 1480);
-}
 
-TEST_F(PegInfoTest, PlainImageAtAGivenDpiKeepsInchesToScale) {
+    // At a given dpi, 100 pixels are one inch, a twelfth of the field's 5000 units.
     options.dpi = 100;
-    const PegInfo peg(false, 0, false, QString(), "a.png", false, 1200, 600, kNoMargins, false, 1.0, 0.0, options);
-    // 100 pixels are one inch, a twelfth of the field's 5000 units.
-    const Math::Vector2d inch = peg.transform.Apply(Math::Vector2d{100, 100});
+    const Math::Vector2d inch = plain(1200, 600).transform.Apply(Math::Vector2d{100, 100});
     EXPECT_NEAR(inch.x, kUnitsPerInchAtField12, 1e-9);
     EXPECT_NEAR(inch.y, kUnitsPerInchAtField12, 1e-9);
-}
-
-TEST_F(PegInfoTest, SubWindowPlacesThePartWhereItLiesInTheWhole) {
-    const PegInfo whole(false, 0, false, QString(), "w.png", false, 2000, 1500, kNoMargins, false, 1.0, 0.0, options);
-    // The lower right quarter, with y counted down in the whole picture.
-    const PegSubWindow quarter{1000, 750, 1000, 750, 2000, 1500};
-    const PegInfo part(false, 0, false, QString(), "p.png", false, 1000, 750, kNoMargins, false, 1.0, 0.0, options,
-                       quarter);
-    // The part's pixel (0, 0) is the whole's pixel (1000, 0), y upward.
-    expectNear(part.transform.Apply(Point2d{0, 0}), whole.transform.Apply(Point2d{1000, 0}));
-    expectNear(part.transform.Apply(Point2d{1000, 750}), whole.transform.Apply(Point2d{2000, 750}));
-}
-
-TEST_F(PegInfoTest, ZeroHeightImageKeepsTheIdentity) {
-    const PegInfo peg(false, 0, false, "kept", "e.png", false, 10, 0, kNoMargins, false, 1.0, 0.0, options);
-    EXPECT_EQ(peg.transform, Math::Matrix2x3());
-    EXPECT_EQ(peg.info, "kept");
 }
 
 // The three points of a registration of an upright sheet, for each side, with
@@ -224,15 +212,14 @@ TEST_F(PegInfoTest, RegistrationPutsTheCentrePegAtThePegDistanceWhateverTheAngle
     const struct {
         int side;
         const char *name;
-        Point2d c;
-        Point2d a, b;  // given order: wrong for the side
+        Point2d c, a, b;  // a and b in the wrong order for the side
     } cases[] = {
         {1, "Top", {1500, 2300}, {1500 - half, 2300}, {1500 + half, 2300}},
         {2, "Bottom", {1500, 100}, {1500 + half, 100}, {1500 - half, 100}},
         {3, "Left", {100, 1200}, {100, 1200 - half}, {100, 1200 + half}},
         {4, "Right", {2900, 1200}, {2900, 1200 + half}, {2900, 1200 - half}},
     };
-    const Point2d probe{1700, 1300};
+    const Point2d probe{1700, 1300}, pivot{1234, 987};
     const double perPixel = 5000.0 / (dpi * 12);
     for (const auto &c : cases) {
         const Point2d peg = pegWorldPosition(c.name, pegDistance);
@@ -240,39 +227,29 @@ TEST_F(PegInfoTest, RegistrationPutsTheCentrePegAtThePegDistanceWhateverTheAngle
         const Point2d want{peg.x + (probe.x - c.c.x) * perPixel, peg.y + (probe.y - c.c.y) * perPixel};
         for (double angle : {0.0, 0.02, -0.03}) {
             SCOPED_TRACE(std::string(c.name) + " at " + std::to_string(angle));
-            const Point2d pivot{1234, 987};
-            PegInfo info(false, 0, false, QString(), "r.png", false, w, h, kNoMargins, false, 1.0, 0.0, options);
-            info.InitFromPegPositions(rotatedAbout(c.a, pivot, angle), rotatedAbout(c.c, pivot, angle),
-                                      rotatedAbout(c.b, pivot, angle), c.side, kNoMargins, true, 1.0, dpi + 0.7,
+            auto turned = [&](Point2d p) { return rotatedAbout(p, pivot, angle); };
+            PegInfo info = plain(w, h);
+            info.InitFromPegPositions(turned(c.a), turned(c.c), turned(c.b), c.side, kNoMargins, true, 1.0, dpi + 0.7,
                                       pegDistance, 1.0, 1.0);
             EXPECT_EQ(info.dpi, 200);
-            expectNear(info.transform.Apply(rotatedAbout(c.c, pivot, angle)), peg, 1e-6);
-            expectNear(info.transform.Apply(rotatedAbout(probe, pivot, angle)), want, 1e-6);
+            expectNear(info.transform.Apply(turned(c.c)), peg, 1e-6);
+            expectNear(info.transform.Apply(turned(probe)), want, 1e-6);
             EXPECT_TRUE(info.peg_box.isEmpty());
 
             // Given in the side's own order, the result is the same.
             PegInfo ordered = info;
-            ordered.InitFromPegPositions(rotatedAbout(c.b, pivot, angle), rotatedAbout(c.c, pivot, angle),
-                                         rotatedAbout(c.a, pivot, angle), c.side, kNoMargins, true, 1.0, dpi,
+            ordered.InitFromPegPositions(turned(c.b), turned(c.c), turned(c.a), c.side, kNoMargins, true, 1.0, dpi,
                                          pegDistance, 1.0, 1.0);
             expectNear(ordered.transform.Apply(probe), info.transform.Apply(probe), 1e-9);
         }
     }
-}
 
-TEST_F(PegInfoTest, RegistrationBlanksTheBarAroundThePegsAndSetsThePicture) {
-    PegInfo info(false, 0, false, QString(), "r.png", false, 3000, 2400, kNoMargins, false, 1.0, 0.0, options);
-    const PegMargins margins{0.5, 0.5, 1, 1};
-    info.InitFromPegPositions({700, 100}, {1500, 110}, {2300, 120}, 2, margins, false, 0.5, 200, 5.25, 1.0, 1.0);
-    // Points with y flipped, grown by half the bar size on every side.
-    EXPECT_DOUBLE_EQ(info.peg_box.x0, 700 - 50);
-    EXPECT_DOUBLE_EQ(info.peg_box.x1, 2300 + 50);
-    EXPECT_DOUBLE_EQ(info.peg_box.y0, 2400 - 120 - 50);
-    EXPECT_DOUBLE_EQ(info.peg_box.y1, 2400 - 100 + 50);
-    EXPECT_DOUBLE_EQ(info.picture_box.x0, 200);
-    EXPECT_DOUBLE_EQ(info.picture_box.y0, 75);
-    EXPECT_DOUBLE_EQ(info.picture_box.x1, 2800);
-    EXPECT_DOUBLE_EQ(info.picture_box.y1, 2325);
+    // Without keeping the bars, the points with y flipped, grown by half the
+    // bar size on every side, are blanked; margins set the picture.
+    PegInfo info = plain(w, h);
+    info.InitFromPegPositions({700, 100}, {1500, 110}, {2300, 120}, 2, {0.5, 0.5, 1, 1}, false, 0.5, 200, 5.25, 1.0, 1.0);
+    EXPECT_EQ(corners(info.peg_box), (std::array<double, 4>{700 - 50, 2400 - 120 - 50, 2300 + 50, 2400 - 100 + 50}));
+    EXPECT_EQ(corners(info.picture_box), (std::array<double, 4>{200, 75, 2800, 2325}));
     EXPECT_FLOAT_EQ(info.paper_size, 12);
 }
 
@@ -283,10 +260,8 @@ TEST(ScanInfoKeywords, ValuesAreFoundByKeyInAnyCaseAndEndAtABlank) {
     EXPECT_FLOAT_EQ(k.floatValue("paper size:", 12), 15.5f);
     EXPECT_FLOAT_EQ(k.floatValue("rotation angle:", 0), 0.01f);
     EXPECT_EQ(k.intValue("pages:", 1), 1);
-    // A float where an int is wanted does not parse.
-    EXPECT_EQ(k.intValue("paper size:", 12), 12);
+    EXPECT_EQ(k.intValue("paper size:", 12), 12);  // a float where an int is wanted does not parse
     // The value starts one character after the key, whatever that character is.
-    EXPECT_EQ(ScanInfoKeywords("dpi:=300").intValue("dpi:", 75), 300);
-    EXPECT_EQ(ScanInfoKeywords("dpi:").intValue("dpi:", 75), 75);
-    EXPECT_EQ(ScanInfoKeywords("dpi:  300").intValue("dpi:", 75), 75);
+    for (const auto &[text, dpi] : {std::pair{"dpi:=300", 300}, {"dpi:", 75}, {"dpi:  300", 75}})
+        EXPECT_EQ(ScanInfoKeywords(text).intValue("dpi:", 75), dpi) << text;
 }

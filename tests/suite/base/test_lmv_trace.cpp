@@ -52,30 +52,28 @@ TEST_F(TraceTest, DirectTraceIsRawAndLeavesTheModesAsTheyWere) {
     EXPECT_EQ(lines(), QStringList({"CDB: 12 24", "sense: 70"}));
 }
 
-TEST_F(TraceTest, ErrorIsTranslatedForTheOperatorAndLoggedInTheSource) {
-    TableTranslator tr({{{"Scan", "Paper jam in %s"}, "Bourrage papier dans %s"}});
-    LMV_error("Paper jam in %s", "ADF");
-    ASSERT_EQ(m()->shown.size(), 1u);
-    EXPECT_EQ(m()->shown[0].severity, 'E');
-    EXPECT_EQ(m()->shown[0].texts, QStringList{"Bourrage papier dans ADF"});
-    ASSERT_EQ(lines().size(), 1);
-    EXPECT_EQ(textOf(lines()[0]), "Paper jam in ADF");
-}
-
-TEST_F(TraceTest, TranslationTakingOtherArgumentsIsNotUsed) {
-    TableTranslator tr({{{"Scan", "Sense key %d on %s"}, "Code %s sur %d"},
+// The operator reads the translation, the log keeps the source; a
+// translation taking other arguments than its source is not used.
+TEST_F(TraceTest, ErrorIsTranslatedForTheOperatorWhenItTakesTheSameArguments) {
+    TableTranslator tr({{{"Scan", "Paper jam in %s"}, "Bourrage papier dans %s"},
+                        {{"Scan", "Sense key %d on %s"}, "Code %s sur %d"},
                         {{"Scan", "Timeout after %d s"}, "D\u00e9lai %d s d\u00e9pass\u00e9 (%s)"},
                         {{"Scan", "Lamp at %d%%"}, "Lampe \u00e0 %1$d%%"},
                         {{"Scan", "Width %*d"}, "Largeur %*d"}});
+    LMV_error("Paper jam in %s", "ADF");
     LMV_error("Sense key %d on %s", 5, "sg0");
     LMV_error("Timeout after %d s", 30);
     LMV_error("Lamp at %d%%", 80);
     LMV_error("Width %*d", 6, 42);
-    ASSERT_EQ(m()->shown.size(), 4u);
-    EXPECT_EQ(m()->shown[0].texts, QStringList{"Sense key 5 on sg0"});
-    EXPECT_EQ(m()->shown[1].texts, QStringList{"Timeout after 30 s"});
-    EXPECT_EQ(m()->shown[2].texts, QStringList{"Lamp at 80%"});
-    EXPECT_EQ(m()->shown[3].texts, QStringList{"Largeur     42"});  // same arguments: used
+    const QStringList shown[] = {{"Bourrage papier dans ADF"}, {"Sense key 5 on sg0"}, {"Timeout after 30 s"},
+                                 {"Lamp at 80%"}, {"Largeur     42"}};
+    ASSERT_EQ(m()->shown.size(), 5u);
+    for (size_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(m()->shown[i].severity, 'E');
+        EXPECT_EQ(m()->shown[i].texts, shown[i]);
+    }
+    EXPECT_EQ(textOf(lines().value(0)), "Paper jam in ADF");
+    EXPECT_EQ(textOf(lines().value(4)), "Width     42");
 }
 
 namespace {

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
-
+#include <tuple>
 
 #include "suite/base/msg_scope.h"
 #include "suite/base/pending_report.h"
@@ -47,7 +47,7 @@ protected:
     }
 };
 
-TEST_F(MessageTest, LinesCarryTypeTimeAndText) {
+TEST_F(MessageTest, LinesCarryTypeTimeAndTextAndDebugLinesNeedDebugMode) {
     auto m = open();
     std::vector<std::pair<char, QString>> seen;
     m->attachView([&](char type, const QString &text, const QString &line) {
@@ -60,12 +60,16 @@ TEST_F(MessageTest, LinesCarryTypeTimeAndText) {
     m->information(MSG_Text::untranslated("some news"));
     m->fatalError(MSG_Text::untranslated("the end"));
     m->debug(MSG_Text::untranslated("hidden"));  // debug mode is off
+    m->setDebugMode(true);
+    m->debug(MSG_Text::untranslated("visible"));
+    m->setDirectMode(true);
+    m->debug(MSG_Text::untranslated("0000: 12 00 00 00 24 00"));  // raw, no type or time
 
     const QStringList lines = bodyLines(m->readLog());
-    ASSERT_EQ(lines.size(), 5);
-    const char types[] = {'I', 'E', 'W', 'I', 'F'};
-    const char *texts[] = {"a trace", "an error", "a warning", "some news", "the end"};
-    for (int i = 0; i < 5; ++i) {
+    ASSERT_EQ(lines.size(), 7);
+    const char types[] = {'I', 'E', 'W', 'I', 'F', 'D'};
+    const char *texts[] = {"a trace", "an error", "a warning", "some news", "the end", "visible"};
+    for (int i = 0; i < 6; ++i) {
         const auto match = kLine.match(lines[i]);
         ASSERT_TRUE(match.hasMatch()) << lines[i].toStdString();
         EXPECT_EQ(match.captured(1), QString(QChar(types[i])));
@@ -73,23 +77,9 @@ TEST_F(MessageTest, LinesCarryTypeTimeAndText) {
         EXPECT_EQ(seen[i].first, types[i]);
         EXPECT_EQ(seen[i].second, QString::fromUtf8(texts[i]));
     }
-}
-
-TEST_F(MessageTest, DebugAndDirectModes) {
-    auto m = open(true);
-    EXPECT_TRUE(m->readLog().contains(" Debug mode : ON\n"));
-    m->debug(MSG_Text::untranslated("visible"));
-    m->setDirectMode(true);
-    m->debug(MSG_Text::untranslated("0000: 12 00 00 00 24 00"));
-    m->setDirectMode(false);
-    m->setDebugMode(false);
-    m->debug(MSG_Text::untranslated("gone"));
-
-    const QStringList lines = bodyLines(m->readLog());
-    ASSERT_EQ(lines.size(), 2);
-    EXPECT_EQ(kLine.match(lines[0]).captured(1), "D");
-    EXPECT_EQ(kLine.match(lines[0]).captured(2), "visible");
-    EXPECT_EQ(lines[1], "0000: 12 00 00 00 24 00");
+    EXPECT_EQ(lines[6], "0000: 12 00 00 00 24 00");
+    EXPECT_FALSE(m->readLog().contains(" Debug mode : ON\n"));
+    EXPECT_TRUE(open(true)->readLog().contains(" Debug mode : ON\n"));
 }
 
 TEST_F(MessageTest, ActionsRouteThroughTheSingleton) {
@@ -118,8 +108,7 @@ TEST_F(MessageTest, ActionsRouteThroughTheSingleton) {
 
 TEST_F(MessageTest, LockIsRemovedWithTheObjectAndLogStays) {
     auto m = open();
-    const QString lock = m->lockPath();
-    const QString log = m->logPath();
+    const QString lock = m->lockPath(), log = m->logPath();
     EXPECT_TRUE(log.startsWith(dir.path() + "/ScanStation_tester_"));
     EXPECT_TRUE(QFile::exists(lock));
     m.reset();
@@ -127,10 +116,8 @@ TEST_F(MessageTest, LockIsRemovedWithTheObjectAndLogStays) {
     EXPECT_TRUE(QFile::exists(log));
 
     auto again = open();
-    again->trace(MSG_Text::untranslated("x"));
     again->closeAndRemoveLog();
     EXPECT_FALSE(again->isLogOpen());
-    EXPECT_TRUE(QDir(dir.path()).entryList(QDir::Files).isEmpty());
     again->trace(MSG_Text::untranslated("after removal"));  // harmless, goes nowhere
     EXPECT_TRUE(QDir(dir.path()).entryList(QDir::Files).isEmpty());
 }
@@ -156,19 +143,16 @@ TEST_F(MessageTest, ConsoleModeWritesNoFiles) {
 }
 
 TEST_F(MessageTest, TranslatedTextsGoToASecondLog) {
-    {
-        auto plain = open();
-        EXPECT_TRUE(plain->translatedLogPath().isEmpty());
-    }
+    EXPECT_TRUE(open()->translatedLogPath().isEmpty());
     TableTranslator tr({{{"TUUIMessage", "The application will terminate."}, "L'application va se terminer."},
-                        {{"Scan", "Paper jam"}, "Bourrage papier"}});
+                        {{"Scan", "Paper jam in %1"}, "Bourrage papier dans %1"}});
     auto m = open();
     ASSERT_EQ(m->translatedLogPath(), m->logPath() + "i");
-    m->error(MSG_Text("Scan", "Paper jam"));
-    EXPECT_EQ(kLine.match(bodyLines(m->readLog()).value(0)).captured(2), "Paper jam");
-    EXPECT_EQ(kLine.match(bodyLines(readFile(m->translatedLogPath())).value(0)).captured(2), "Bourrage papier");
+    m->error(MSG_Text("Scan", "Paper jam in %1").arg("ADF"));  // the value goes into both texts
+    EXPECT_EQ(kLine.match(bodyLines(m->readLog()).value(0)).captured(2), "Paper jam in ADF");
+    EXPECT_EQ(kLine.match(bodyLines(readFile(m->translatedLogPath())).value(0)).captured(2), "Bourrage papier dans ADF");
     ASSERT_EQ(m->shown.size(), 1u);
-    EXPECT_EQ(m->shown[0].texts, QStringList{"Bourrage papier"});  // the operator reads the translation
+    EXPECT_EQ(m->shown[0].texts, QStringList{"Bourrage papier dans ADF"});  // the operator reads the translation
 }
 
 TEST_F(MessageTest, OtherThreadsReachTheLogThroughTheMainThread) {
@@ -278,11 +262,11 @@ TEST(PendingReport, SeverityOfTheList) {
 }
 
 TEST(PendingReport, TextOfTheBox) {
-    EXPECT_EQ(MSG_PendingReport::heading('E', 1), "The following error occurred:\n");
-    EXPECT_EQ(MSG_PendingReport::heading('E', 2), "The following errors occurred:\n");
-    EXPECT_EQ(MSG_PendingReport::heading('W', 1), "The following warning occurred:\n");
-    EXPECT_EQ(MSG_PendingReport::heading('W', 3), "The following warnings occurred:\n");
-    EXPECT_EQ(MSG_PendingReport::heading('I', 3), "Information:\n");
+    for (const auto &[severity, count, heading] :
+         {std::tuple{'E', 1, "The following error occurred:\n"}, {'E', 2, "The following errors occurred:\n"},
+          {'W', 1, "The following warning occurred:\n"}, {'W', 3, "The following warnings occurred:\n"},
+          {'I', 3, "Information:\n"}})
+        EXPECT_EQ(MSG_PendingReport::heading(severity, count), heading) << severity << count;
 
     EXPECT_EQ(MSG_PendingReport::body({"alone"}), "alone");
     EXPECT_EQ(MSG_PendingReport::body({"a", "b"}), " - a\n - b\n");

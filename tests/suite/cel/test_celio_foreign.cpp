@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
+#include <sstream>
 #include <tiffio.h>
 #include <vector>
 
@@ -31,10 +31,8 @@ struct Layout {
     QByteArray description{};
     bool bigEndian = false;
 
-    size_t rowBytes() const
-    {
-        return (size_t(width) * bps * (planar == PLANARCONFIG_SEPARATE ? 1 : spp) + 7) / 8;
-    }
+    size_t rowBytes() const { return (size_t(width) * bps * (planar == PLANARCONFIG_SEPARATE ? 1 : spp) + 7) / 8; }
+    size_t bytes() const { return rowBytes() * height * (planar == PLANARCONFIG_SEPARATE ? spp : 1); }
 };
 
 // `data` holds packed rows top to bottom (for separate planes, one plane after the other).
@@ -95,18 +93,6 @@ std::vector<uint8_t> noiseBytes(size_t n, unsigned seed)
     return v;
 }
 
-template <class T>
-const T *asSamples(const std::vector<uint8_t> &v)
-{
-    return reinterpret_cast<const T *>(v.data());
-}
-
-template <class Leaf>
-const Leaf *leafOf(const ReadBack &r)
-{
-    return dynamic_cast<const Leaf *>(r.rep.get());
-}
-
 class ForeignTiff : public ScratchDir {
 protected:
     // Writes `l` with `data` and reads it back, expecting success and a leaf of type Leaf.
@@ -116,13 +102,33 @@ protected:
         writeByHand(file("f.tif"), l, data);
         last_ = readFile(file("f.tif"));
         EXPECT_TRUE(last_.ok) << CELIO_Manager::getInstance().lastError().toStdString();
-        const Leaf *leaf = leafOf<Leaf>(last_);
+        const auto *leaf = dynamic_cast<const Leaf *>(last_.rep.get());
         EXPECT_NE(leaf, nullptr);
         if (leaf) {
             EXPECT_EQ(uint32_t(leaf->width()), l.width);
             EXPECT_EQ(uint32_t(leaf->height()), l.height);
         }
         return leaf;
+    }
+
+    // Every pixel of a colour leaf against the samples of the file; alpha only
+    // where the file has a fourth sample.
+    template <class Leaf>
+    void expectColour(const Layout &l, const std::vector<uint8_t> &data)
+    {
+        const Leaf *c = roundTrip<Leaf>(l, data);
+        ASSERT_NE(c, nullptr);
+        using V = decltype(c->data()->r);
+        const size_t n = c->pixelCount();
+        auto sample = [&](size_t i, size_t s) -> V {
+            const size_t k = l.planar == PLANARCONFIG_SEPARATE ? s * n + i : i * l.spp + s;
+            return l.bps == 16 ? reinterpret_cast<const uint16_t *>(data.data())[k] : data[k];
+        };
+        for (size_t i = 0; i < n; ++i)
+            ASSERT_EQ(c->data()[i], (typename Leaf::Pixel{sample(i, 0), sample(i, 1), sample(i, 2),
+                                                          l.spp == 4 ? sample(i, 3) : V(0)}))
+                << i;
+        EXPECT_EQ(last_.info.hasAlpha, l.spp == 4);
     }
     ReadBack last_;
 };
@@ -133,9 +139,7 @@ TEST_F(ForeignTiff, BilevelInEitherPhotometricReadsAsZeroAnd255)
 {
     // 13 pixels a row: two bytes with three padding bits that must not show.
     Layout l{.width = 13, .height = 7, .bps = 1};
-    const auto bits = noiseBytes(l.rowBytes() * l.height, 3);
-    auto bitAt = [&](uint32_t x, uint32_t y) { return (bits[y * l.rowBytes() + x / 8] >> (7 - x % 8)) & 1; };
-
+    const auto bits = noiseBytes(l.bytes(), 3);
     for (const auto &[photometric, compression] :
          {std::pair{PHOTOMETRIC_MINISWHITE, COMPRESSION_NONE}, std::pair{PHOTOMETRIC_MINISWHITE, COMPRESSION_CCITTFAX3},
           std::pair{PHOTOMETRIC_MINISBLACK, COMPRESSION_PACKBITS}}) {
@@ -146,7 +150,8 @@ TEST_F(ForeignTiff, BilevelInEitherPhotometricReadsAsZeroAnd255)
         ASSERT_NE(m, nullptr);
         for (uint32_t y = 0; y < l.height; ++y)
             for (uint32_t x = 0; x < l.width; ++x) {
-                const bool white = bitAt(x, y) == (photometric == PHOTOMETRIC_MINISBLACK ? 1 : 0);
+                const int bit = (bits[y * l.rowBytes() + x / 8] >> (7 - x % 8)) & 1;
+                const bool white = bit == (photometric == PHOTOMETRIC_MINISBLACK ? 1 : 0);
                 ASSERT_EQ(m->at(int(x), int(y)), white ? 255 : 0) << x << "," << y;
             }
     }
@@ -154,21 +159,29 @@ TEST_F(ForeignTiff, BilevelInEitherPhotometricReadsAsZeroAnd255)
 
 TEST_F(ForeignTiff, GreyOfAnyDepthSpreadsOverTheLeafsRange)
 {
-    // Samples that straddle bytes, several samples a pixel, min-is-white:
-    // up to 8 bits become Matte8, deeper ones keep their precision in Matte16.
+    // Samples that straddle bytes, several samples a pixel, min-is-white, both
+    // byte orders and tiles: up to 8 bits become Matte8, deeper ones keep
+    // their precision in Matte16.
+    constexpr uint16_t B = PHOTOMETRIC_MINISBLACK, W = PHOTOMETRIC_MINISWHITE;
     const struct {
         uint16_t bps, spp, photometric, compression;
-    } depths[] = {{2, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE},   {3, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE},
-                  {4, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_LZW},    {5, 1, PHOTOMETRIC_MINISWHITE, COMPRESSION_NONE},
-                  {6, 2, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE},   {7, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE},
-                  {9, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE},   {10, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_PACKBITS},
-                  {12, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_LZW},   {12, 1, PHOTOMETRIC_MINISWHITE, COMPRESSION_NONE},
-                  {12, 2, PHOTOMETRIC_MINISBLACK, COMPRESSION_ADOBE_DEFLATE},
-                  {14, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE}, {15, 1, PHOTOMETRIC_MINISBLACK, COMPRESSION_NONE}};
+        bool alpha = false, bigEndian = false;
+        uint32_t tile = 0;
+    } depths[] = {{2, 1, B, COMPRESSION_NONE},   {3, 1, B, COMPRESSION_NONE},     {4, 1, B, COMPRESSION_LZW},
+                  {5, 1, W, COMPRESSION_NONE},   {6, 2, B, COMPRESSION_NONE},     {7, 1, B, COMPRESSION_NONE},
+                  {8, 1, W, COMPRESSION_ADOBE_DEFLATE}, {8, 2, B, COMPRESSION_NONE, true},
+                  {9, 1, B, COMPRESSION_NONE},   {10, 1, B, COMPRESSION_PACKBITS}, {12, 1, B, COMPRESSION_LZW},
+                  {12, 1, W, COMPRESSION_NONE},  {12, 2, B, COMPRESSION_ADOBE_DEFLATE},
+                  {14, 1, B, COMPRESSION_NONE},  {15, 1, B, COMPRESSION_NONE},
+                  {16, 1, W, COMPRESSION_ADOBE_DEFLATE}, {16, 1, B, COMPRESSION_ADOBE_DEFLATE, false, true},
+                  {16, 1, B, COMPRESSION_LZW, false, false, 16}};
     for (const auto &d : depths) {
-        SCOPED_TRACE(testing::Message() << d.bps << " bits x " << d.spp << ", photometric " << d.photometric);
-        const Layout l{.width = 13, .height = 5, .bps = d.bps, .spp = d.spp, .photometric = d.photometric,
-                       .compression = d.compression};
+        SCOPED_TRACE(testing::Message() << d.bps << " bits x " << d.spp << ", photometric " << d.photometric
+                                        << (d.bigEndian ? ", big-endian" : "") << (d.tile ? ", tiled" : ""));
+        Layout l{.width = 37, .height = 9, .bps = d.bps, .spp = d.spp, .photometric = d.photometric,
+                 .compression = d.compression, .tile = d.tile, .bigEndian = d.bigEndian};
+        if (d.alpha)
+            l.extraSamples = {EXTRASAMPLE_UNASSALPHA};
         const uint32_t top = (1u << d.bps) - 1;
         std::mt19937 rng(d.bps);
         std::vector<uint32_t> levels(size_t(l.width) * l.height);
@@ -177,19 +190,20 @@ TEST_F(ForeignTiff, GreyOfAnyDepthSpreadsOverTheLeafsRange)
         levels[0] = 0;
         levels[1] = top;
         // Packed from the most significant bit; a pixel's other samples are noise.
-        std::vector<uint8_t> packed(l.rowBytes() * l.height, 0);
+        std::vector<uint8_t> packed(l.bytes(), 0);
         for (uint32_t y = 0; y < l.height; ++y)
             for (uint32_t k = 0; k < l.width * d.spp; ++k) {
                 const uint32_t v = k % d.spp ? rng() & top : levels[y * l.width + k / d.spp];
-                for (uint32_t b = 0; b < d.bps; ++b)
-                    if ((v >> (d.bps - 1 - b)) & 1)
-                        packed[y * l.rowBytes() + (k * d.bps + b) / 8] |= uint8_t(0x80 >> ((k * d.bps + b) % 8));
+                uint8_t *row = &packed[y * l.rowBytes()];
+                if (d.bps == 16)
+                    reinterpret_cast<uint16_t *>(row)[k] = uint16_t(v);
+                else
+                    for (uint32_t b = 0; b < d.bps; ++b)
+                        if ((v >> (d.bps - 1 - b)) & 1)
+                            row[(k * d.bps + b) / 8] |= uint8_t(0x80 >> ((k * d.bps + b) % 8));
             }
         const double full = d.bps > 8 ? 65535 : 255;
-        auto expected = [&](size_t i) {
-            const uint32_t v = d.photometric == PHOTOMETRIC_MINISWHITE ? top - levels[i] : levels[i];
-            return std::lround(v * full / top);
-        };
+        auto expected = [&](size_t i) { return std::lround((d.photometric == W ? top - levels[i] : levels[i]) * full / top); };
         if (d.bps > 8) {
             const auto *m = roundTrip<CEL_PixmapMatte16>(l, packed);
             ASSERT_NE(m, nullptr);
@@ -202,38 +216,7 @@ TEST_F(ForeignTiff, GreyOfAnyDepthSpreadsOverTheLeafsRange)
                 ASSERT_EQ(m->data()[i], expected(i)) << i;
         }
         EXPECT_EQ(last_.info.bitsPerSample, d.bps);
-    }
-}
-
-TEST_F(ForeignTiff, GreyLevelsOfEightAndSixteenBits)
-{
-    Layout l = Layout{.width = 33, .height = 9, .bps = 8, .photometric = PHOTOMETRIC_MINISWHITE, .compression = COMPRESSION_ADOBE_DEFLATE};
-    const auto bytes = noiseBytes(l.rowBytes() * l.height, 5);
-    const auto *m8 = roundTrip<CEL_PixmapMatte8>(l, bytes);
-    ASSERT_NE(m8, nullptr);
-    for (size_t i = 0; i < bytes.size(); ++i)
-        ASSERT_EQ(m8->data()[i], 255 - bytes[i]);
-    EXPECT_EQ(last_.info.photometric, "min-is-white");
-
-    // Grey with an alpha sample keeps the grey.
-    l = Layout{.width = 8, .height = 8, .bps = 8, .spp = 2, .extraSamples = {EXTRASAMPLE_UNASSALPHA}};
-    const auto pairs = noiseBytes(l.rowBytes() * l.height, 6);
-    const auto *ga = roundTrip<CEL_PixmapMatte8>(l, pairs);
-    ASSERT_NE(ga, nullptr);
-    for (size_t i = 0; i < ga->pixelCount(); ++i)
-        ASSERT_EQ(ga->data()[i], pairs[2 * i]);
-
-    for (const bool bigEndian : {false, true}) {
-        for (const auto photometric : {PHOTOMETRIC_MINISBLACK, PHOTOMETRIC_MINISWHITE}) {
-            l = Layout{.width = 17, .height = 6, .bps = 16, .photometric = uint16_t(photometric),
-                       .compression = COMPRESSION_ADOBE_DEFLATE, .bigEndian = bigEndian};
-            const auto words = noiseBytes(l.rowBytes() * l.height, 7);
-            const auto *m16 = roundTrip<CEL_PixmapMatte16>(l, words);
-            ASSERT_NE(m16, nullptr);
-            const uint16_t flip = photometric == PHOTOMETRIC_MINISWHITE ? 0xFFFF : 0;
-            for (size_t i = 0; i < m16->pixelCount(); ++i)
-                ASSERT_EQ(m16->data()[i], asSamples<uint16_t>(words)[i] ^ flip) << bigEndian;
-        }
+        EXPECT_EQ(last_.info.photometric, d.photometric == W ? "min-is-white" : "min-is-black");
     }
 }
 
@@ -247,83 +230,47 @@ TEST_F(ForeignTiff, PaletteIsExpandedToColour)
             l.colormap.resize(3 * n);
             for (int i = 0; i < 3 * n; ++i)
                 l.colormap[i] = eightBitMap ? uint16_t((i * 37) & 255) : uint16_t(i * 997);
-            const auto idx = noiseBytes(l.rowBytes() * l.height, bps);
+            auto level = [&](int k) { return uint8_t(eightBitMap ? l.colormap[k] : l.colormap[k] >> 8); };
+            const auto idx = noiseBytes(l.bytes(), bps);
             const auto *c = roundTrip<CEL_PixmapRGBA8>(l, idx);
             ASSERT_NE(c, nullptr);
             for (int y = 0; y < 5; ++y)
                 for (int x = 0; x < 19; ++x) {
                     const int byte = idx[size_t(y) * l.rowBytes() + (bps == 8 ? x : x / 2)];
                     const int i = bps == 8 ? byte : (x % 2 ? byte & 15 : byte >> 4);
-                    auto level = [&](int k) { return eightBitMap ? l.colormap[k] : l.colormap[k] >> 8; };
-                    const CEL_RGBA8Pixel want{uint8_t(level(i)), uint8_t(level(n + i)), uint8_t(level(2 * n + i)), 0};
-                    ASSERT_EQ(c->at(x, y), want) << x << "," << y;
+                    ASSERT_EQ(c->at(x, y), (CEL_RGBA8Pixel{level(i), level(n + i), level(2 * n + i), 0})) << x << "," << y;
                 }
         }
     }
 }
 
-TEST_F(ForeignTiff, RgbWithAndWithoutAlphaIn8And16Bits)
+TEST_F(ForeignTiff, ColourLayoutsKeepEverySample)
 {
-    Layout l{.width = 23, .height = 11, .bps = 8, .spp = 3, .photometric = PHOTOMETRIC_RGB, .compression = COMPRESSION_LZW};
-    const auto rgb = noiseBytes(l.rowBytes() * l.height, 8);
-    const auto *c = roundTrip<CEL_PixmapRGBA8>(l, rgb);
-    ASSERT_NE(c, nullptr);
-    for (size_t i = 0; i < c->pixelCount(); ++i)
-        ASSERT_EQ(c->data()[i], (CEL_RGBA8Pixel{rgb[3 * i], rgb[3 * i + 1], rgb[3 * i + 2], 0}));
-    EXPECT_FALSE(last_.info.hasAlpha);
-
-    l.spp = 4;
-    l.extraSamples = {EXTRASAMPLE_UNASSALPHA};
-    const auto rgba = noiseBytes(l.rowBytes() * l.height, 9);
-    auto expected = UT_makeShared<CEL_PixmapRGBA8>(23, 11);
-    std::memcpy(expected->data(), rgba.data(), rgba.size());
-    ASSERT_NE(roundTrip<CEL_PixmapRGBA8>(l, rgba), nullptr);
-    EXPECT_TRUE(samePixels(*expected, last_.rep));
-    EXPECT_TRUE(last_.info.hasAlpha);
-
-    l = Layout{.width = 13, .height = 4, .bps = 16, .spp = 3, .photometric = PHOTOMETRIC_RGB, .bigEndian = true};
-    const auto rgb16 = noiseBytes(l.rowBytes() * l.height, 10);
-    const auto *c16 = roundTrip<CEL_PixmapRGBA16>(l, rgb16);
-    ASSERT_NE(c16, nullptr);
-    const auto *s = asSamples<uint16_t>(rgb16);
-    for (size_t i = 0; i < c16->pixelCount(); ++i)
-        ASSERT_EQ(c16->data()[i], (CEL_RGBA16Pixel{s[3 * i], s[3 * i + 1], s[3 * i + 2], 0}));
-
-    l.spp = 4;
-    l.extraSamples = {EXTRASAMPLE_ASSOCALPHA};
-    const auto rgba16 = noiseBytes(l.rowBytes() * l.height, 11);
-    auto expected16 = UT_makeShared<CEL_PixmapRGBA16>(13, 4);
-    std::memcpy(expected16->data(), rgba16.data(), rgba16.size());
-    ASSERT_NE(roundTrip<CEL_PixmapRGBA16>(l, rgba16), nullptr);
-    EXPECT_TRUE(samePixels(*expected16, last_.rep));
-}
-
-TEST_F(ForeignTiff, TilesAndSeparatePlanes)
-{
-    // 40 x 37 in tiles of 16: the right and bottom tiles stick out of the picture.
-    Layout l{.width = 40, .height = 37, .bps = 8, .spp = 4, .photometric = PHOTOMETRIC_RGB,
-             .compression = COMPRESSION_ADOBE_DEFLATE, .tile = 16, .extraSamples = {EXTRASAMPLE_UNASSALPHA}};
-    const auto rgba = noiseBytes(l.rowBytes() * l.height, 12);
-    auto expected = UT_makeShared<CEL_PixmapRGBA8>(40, 37);
-    std::memcpy(expected->data(), rgba.data(), rgba.size());
-    ASSERT_NE(roundTrip<CEL_PixmapRGBA8>(l, rgba), nullptr);
-    EXPECT_TRUE(samePixels(*expected, last_.rep));
-
-    l = Layout{.width = 50, .height = 20, .bps = 16, .compression = COMPRESSION_LZW, .tile = 32};
-    const auto grey = noiseBytes(l.rowBytes() * l.height, 13);
-    auto expected16 = UT_makeShared<CEL_PixmapMatte16>(50, 20);
-    std::memcpy(expected16->data(), grey.data(), grey.size());
-    ASSERT_NE(roundTrip<CEL_PixmapMatte16>(l, grey), nullptr);
-    EXPECT_TRUE(samePixels(*expected16, last_.rep));
-
-    // Red, green and blue planes one after the other.
-    l = Layout{.width = 15, .height = 8, .bps = 8, .spp = 3, .photometric = PHOTOMETRIC_RGB,
-               .planar = PLANARCONFIG_SEPARATE};
-    const auto planes = noiseBytes(size_t(3) * 15 * 8, 14);
-    const auto *c = roundTrip<CEL_PixmapRGBA8>(l, planes);
-    ASSERT_NE(c, nullptr);
-    for (size_t i = 0; i < c->pixelCount(); ++i)
-        ASSERT_EQ(c->data()[i], (CEL_RGBA8Pixel{planes[i], planes[120 + i], planes[240 + i], 0}));
+    // Tiles of 16 over 40 x 37 stick out of the picture on the right and below.
+    constexpr uint16_t RGB = PHOTOMETRIC_RGB;
+    const struct {
+        const char *name;
+        Layout l;
+    } cases[] = {
+        {"rgb8", {.width = 23, .height = 11, .spp = 3, .photometric = RGB, .compression = COMPRESSION_LZW}},
+        {"rgba8", {.width = 23, .height = 11, .spp = 4, .photometric = RGB, .compression = COMPRESSION_LZW,
+                   .extraSamples = {EXTRASAMPLE_UNASSALPHA}}},
+        {"rgb16 big-endian", {.width = 13, .height = 4, .bps = 16, .spp = 3, .photometric = RGB, .bigEndian = true}},
+        {"rgba16 associated", {.width = 13, .height = 4, .bps = 16, .spp = 4, .photometric = RGB,
+                               .extraSamples = {EXTRASAMPLE_ASSOCALPHA}, .bigEndian = true}},
+        {"rgba8 tiles", {.width = 40, .height = 37, .spp = 4, .photometric = RGB,
+                         .compression = COMPRESSION_ADOBE_DEFLATE, .tile = 16, .extraSamples = {EXTRASAMPLE_UNASSALPHA}}},
+        {"rgb8 planes", {.width = 15, .height = 8, .spp = 3, .photometric = RGB, .planar = PLANARCONFIG_SEPARATE}},
+    };
+    unsigned seed = 8;
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto data = noiseBytes(c.l.bytes(), seed++);
+        if (c.l.bps == 16)
+            expectColour<CEL_PixmapRGBA16>(c.l, data);
+        else
+            expectColour<CEL_PixmapRGBA8>(c.l, data);
+    }
 }
 
 TEST_F(ForeignTiff, DescriptionInLatin1OrUtf8AndDateFromTheFileTime)
@@ -373,93 +320,89 @@ TEST_F(ScratchDir, TiffRewrittenByTiffcpReadsTheSame)
         ink->data()[i] = (i * 7919 % 13) < 4 ? 0 : 255;
     ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(colour), file("c.tif"), QStringLiteral("SCAN"), QStringLiteral("note")));
     ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(ink), file("bw.tif"), QStringLiteral("SCAN")));
+    ASSERT_EQ(QProcess::execute(tiffcp, {"-c", "lzw", "-t", "-w", "32", "-l", "32", file("c.tif"), file("c-tiled.tif")}), 0);
+    ASSERT_EQ(QProcess::execute(tiffcp, {"-c", "none", "-r", "1", file("bw.tif"), file("bw-plain.tif")}), 0);
 
-    const struct {
-        QString in, out;
-        QStringList options;
-    } runs[] = {{file("c.tif"), file("c-tiled.tif"), {"-c", "lzw", "-t", "-w", "32", "-l", "32"}},
-                {file("bw.tif"), file("bw-plain.tif"), {"-c", "none", "-r", "1"}}};
-    for (const auto &run : runs) {
-        ASSERT_EQ(QProcess::execute(tiffcp, run.options + QStringList{run.in, run.out}), 0);
-    }
     const ReadBack tiled = readFile(file("c-tiled.tif"));
-    ASSERT_TRUE(tiled.ok);
     EXPECT_EQ(tiled.info.compression, "LZW");
     EXPECT_TRUE(samePixels(*colour, tiled.rep));
     EXPECT_EQ(tiled.comment, "note");  // tiffcp keeps ImageDescription
     const ReadBack plain = readFile(file("bw-plain.tif"));
-    ASSERT_TRUE(plain.ok);
     EXPECT_EQ(plain.info.compression, "none");
     EXPECT_TRUE(samePixels(*ink, plain.rep));
 }
 
+namespace {
+// The kind of leaf and one of its pixels, as text.
+std::string pixelOf(const CEL_RepresentationPtr &rep, int x, int y)
+{
+    std::ostringstream s;
+    if (auto *m8 = dynamic_cast<const CEL_PixmapMatte8 *>(rep.get()))
+        s << "m8 " << int(m8->at(x, y));
+    else if (auto *m16 = dynamic_cast<const CEL_PixmapMatte16 *>(rep.get()))
+        s << "m16 " << m16->at(x, y);
+    else if (auto *c8 = dynamic_cast<const CEL_PixmapRGBA8 *>(rep.get()))
+        s << "c8 " << int(c8->at(x, y).r) << ' ' << int(c8->at(x, y).g) << ' ' << int(c8->at(x, y).b) << ' ' << int(c8->at(x, y).a);
+    else if (auto *c16 = dynamic_cast<const CEL_PixmapRGBA16 *>(rep.get()))
+        s << "c16 " << c16->at(x, y).r << ' ' << c16->at(x, y).g << ' ' << c16->at(x, y).b << ' ' << c16->at(x, y).a;
+    return s.str();
+}
+}  // namespace
+
 TEST_F(ScratchDir, QtFormatsMapToTheClosestLeaf)
 {
-    auto save = [&](const QImage &image, const QString &name, const char *format) {
-        QImageWriter w(file(name), format);
-        EXPECT_TRUE(w.write(image)) << name.toStdString() << ": " << w.errorString().toStdString();
-        return file(name);
-    };
-
     QImage grey(31, 17, QImage::Format_Grayscale8);
     for (int y = 0; y < grey.height(); ++y)
         for (int x = 0; x < grey.width(); ++x)
             grey.scanLine(y)[x] = uint8_t(x * 7 + y);
     grey.setText(QStringLiteral("Description"), QString::fromUtf8("grey ✓"));
-    ReadBack r = readFile(save(grey, "grey.png", "png"));
-    ASSERT_TRUE(r.ok);
-    EXPECT_EQ(r.info.container, "PNG");
-    EXPECT_EQ(r.comment, QString::fromUtf8("grey ✓"));
-    const auto *m8 = dynamic_cast<const CEL_PixmapMatte8 *>(r.rep.get());
-    ASSERT_NE(m8, nullptr);
-    EXPECT_EQ(m8->at(30, 16), 30 * 7 + 16);
-
     QImage grey16(5, 4, QImage::Format_Grayscale16);
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 5; ++x)
             reinterpret_cast<uint16_t *>(grey16.scanLine(y))[x] = uint16_t(x * 13001 + y * 7);
-    r = readFile(save(grey16, "grey16.png", "png"));
-    const auto *m16 = dynamic_cast<const CEL_PixmapMatte16 *>(r.rep.get());
-    ASSERT_NE(m16, nullptr);
-    EXPECT_EQ(m16->at(4, 3), 4 * 13001 + 3 * 7);
-
     QImage rgba(6, 3, QImage::Format_RGBA8888);
     rgba.fill(QColor(10, 20, 30, 40));
     rgba.setText(QStringLiteral("Comment"), QStringLiteral("from Comment"));
-    r = readFile(save(rgba, "rgba.png", "png"));
-    ASSERT_NE(dynamic_cast<const CEL_PixmapRGBA8 *>(r.rep.get()), nullptr);
-    EXPECT_EQ(dynamic_cast<const CEL_PixmapRGBA8 *>(r.rep.get())->at(5, 2), (CEL_RGBA8Pixel{10, 20, 30, 40}));
-    EXPECT_EQ(r.comment, "from Comment");
-
     QImage rgb(6, 3, QImage::Format_RGB32);
     rgb.fill(QColor(200, 100, 50));
-    r = readFile(save(rgb, "rgb.bmp", "bmp"));
-    EXPECT_EQ(r.info.container, "BMP");
-    ASSERT_NE(dynamic_cast<const CEL_PixmapRGBA8 *>(r.rep.get()), nullptr);
-    EXPECT_EQ(dynamic_cast<const CEL_PixmapRGBA8 *>(r.rep.get())->at(0, 0), (CEL_RGBA8Pixel{200, 100, 50, 0}));
-
     QImage deep(4, 4, QImage::Format_RGBX64);
     deep.fill(QColor::fromRgba64(1000, 30000, 65535));
-    r = readFile(save(deep, "deep.png", "png"));
-    ASSERT_NE(dynamic_cast<const CEL_PixmapRGBA16 *>(r.rep.get()), nullptr);
-    EXPECT_EQ(dynamic_cast<const CEL_PixmapRGBA16 *>(r.rep.get())->at(3, 3), (CEL_RGBA16Pixel{1000, 30000, 65535, 0}));
-
     QImage mono(10, 3, QImage::Format_Mono);
     mono.setColorTable({qRgb(0, 0, 0), qRgb(255, 255, 255)});
-    mono.fill(1);
-    mono.setPixel(2, 1, 0);
-    r = readFile(save(mono, "mono.bmp", "bmp"));
-    const auto *bw = dynamic_cast<const CEL_PixmapMatte8 *>(r.rep.get());
-    ASSERT_NE(bw, nullptr);
-    EXPECT_EQ(bw->at(2, 1), 0);
-    EXPECT_EQ(bw->at(3, 1), 255);
+    mono.fill(0);
+    mono.setPixel(2, 1, 1);
+
+    const struct {
+        const char *name, *format;
+        const QImage &image;
+        QPoint probe;
+        std::string pixel;
+        QString container, comment;
+    } cases[] = {
+        {"grey.png", "png", grey, {30, 16}, "m8 226", "PNG", QString::fromUtf8("grey ✓")},
+        {"grey16.png", "png", grey16, {4, 3}, "m16 52025", "PNG", {}},
+        {"rgba.png", "png", rgba, {5, 2}, "c8 10 20 30 40", "PNG", "from Comment"},
+        {"rgb.bmp", "bmp", rgb, {0, 0}, "c8 200 100 50 0", "BMP", {}},
+        {"deep.png", "png", deep, {3, 3}, "c16 1000 30000 65535 0", "PNG", {}},
+        {"mono.bmp", "bmp", mono, {2, 1}, "m8 255", "BMP", {}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        QImageWriter w(file(c.name), c.format);
+        ASSERT_TRUE(w.write(c.image)) << w.errorString().toStdString();
+        const ReadBack r = readFile(file(c.name));
+        ASSERT_TRUE(r.ok);
+        EXPECT_EQ(pixelOf(r.rep, c.probe.x(), c.probe.y()), c.pixel);
+        EXPECT_EQ(r.info.container, c.container);
+        EXPECT_EQ(r.comment, c.comment);
+    }
 
     if (!QImageWriter::supportedImageFormats().contains("jpeg"))
         GTEST_SKIP() << "no JPEG plug-in";
     QImage photo(16, 16, QImage::Format_RGB32);
     photo.fill(QColor(180, 60, 90));
-    r = readFile(save(photo, "photo.jpg", "jpeg"));
-    ASSERT_TRUE(r.ok);
+    ASSERT_TRUE(photo.save(file("photo.jpg"), "jpeg"));
+    const ReadBack r = readFile(file("photo.jpg"));
     EXPECT_EQ(r.info.container, "JPEG");
     const auto *c = dynamic_cast<const CEL_PixmapRGBA8 *>(r.rep.get());
     ASSERT_NE(c, nullptr);

@@ -18,7 +18,7 @@ using namespace celio_test;
 namespace {
 
 struct TiffTags {
-    uint16_t compression = 0, bps = 0, spp = 0, photometric = 0, resolutionUnit = 0;
+    uint16_t compression = 0, bps = 0, spp = 0, resolutionUnit = 0;
     float xResolution = 0, yResolution = 0;
     QString dateTime, software;
 };
@@ -32,7 +32,6 @@ TiffTags tagsOf(const QString &path)
     TIFFGetField(tif, TIFFTAG_COMPRESSION, &t.compression);
     TIFFGetField(tif, TIFFTAG_BITSPERSAMPLE, &t.bps);
     TIFFGetField(tif, TIFFTAG_SAMPLESPERPIXEL, &t.spp);
-    TIFFGetField(tif, TIFFTAG_PHOTOMETRIC, &t.photometric);
     TIFFGetField(tif, TIFFTAG_XRESOLUTION, &t.xResolution);
     TIFFGetField(tif, TIFFTAG_YRESOLUTION, &t.yResolution);
     TIFFGetField(tif, TIFFTAG_RESOLUTIONUNIT, &t.resolutionUnit);
@@ -63,9 +62,8 @@ std::vector<uint32_t> seenElsewhere(const QString &path)
 }
 
 template <class Leaf>
-UT_SharePtr<Leaf> scannedColour(int width, int height)
+UT_SharePtr<Leaf> withoutAlpha(UT_SharePtr<Leaf> leaf)
 {
-    auto leaf = noiseLeaf<Leaf>(width, height);
     for (auto *p = leaf->data(); p != leaf->data() + leaf->pixelCount(); ++p)
         p->a = 0;
     return leaf;
@@ -89,33 +87,35 @@ QString longComment()
     return s;
 }
 
-class CommentRoundTrip : public ScratchDir, public ::testing::WithParamInterface<QString> {};
-
-template <class Leaf>
-void expectRoundTrip(const QString &path, const QString &comment, int width, int height)
-{
-    SCOPED_TRACE(Leaf::kType);
-    auto leaf = noiseLeaf<Leaf>(width, height, unsigned(Leaf::kType));
-    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(leaf), path, QStringLiteral("SCAN"), comment))
-        << CELIO_Manager::getInstance().lastError().toStdString();
-    const ReadBack r = readFile(path);
-    ASSERT_TRUE(r.ok) << CELIO_Manager::getInstance().lastError().toStdString();
-    EXPECT_EQ(r.appended, 1);
-    EXPECT_TRUE(samePixels(*leaf, r.rep));
-    EXPECT_EQ(r.comment, comment);
-    EXPECT_EQ(r.info.container, "TIFF");
-    EXPECT_EQ(r.info.compression, "Deflate");
-}
+class CommentRoundTrip : public ScratchDir, public ::testing::WithParamInterface<QString> {
+protected:
+    template <class Leaf>
+    void expectRoundTrip(int width, int height)
+    {
+        SCOPED_TRACE(Leaf::kType);
+        const QString path = file(QStringLiteral("%1.tif").arg(Leaf::kType));
+        auto leaf = noiseLeaf<Leaf>(width, height, unsigned(Leaf::kType));
+        ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(leaf), path, QStringLiteral("SCAN"), GetParam()))
+            << CELIO_Manager::getInstance().lastError().toStdString();
+        const ReadBack r = readFile(path);
+        ASSERT_TRUE(r.ok) << CELIO_Manager::getInstance().lastError().toStdString();
+        EXPECT_EQ(r.appended, 1);
+        EXPECT_TRUE(samePixels(*leaf, r.rep));
+        EXPECT_EQ(r.comment, GetParam());
+        EXPECT_EQ(r.info.container, "TIFF");
+        EXPECT_EQ(r.info.compression, "Deflate");
+    }
+};
 
 }  // namespace
 
 TEST_P(CommentRoundTrip, EveryKindComesBackExactlyWithItsComment)
 {
     // Sizes that are not multiples of anything, and one big enough for many strips.
-    expectRoundTrip<CEL_PixmapMatte8>(file("m8.tif"), GetParam(), 37, 23);
-    expectRoundTrip<CEL_PixmapMatte16>(file("m16.tif"), GetParam(), 301, 517);
-    expectRoundTrip<CEL_PixmapRGBA8>(file("c8.tif"), GetParam(), 1, 1);
-    expectRoundTrip<CEL_PixmapRGBA16>(file("c16.tif"), GetParam(), 301, 517);
+    expectRoundTrip<CEL_PixmapMatte8>(37, 23);
+    expectRoundTrip<CEL_PixmapMatte16>(301, 517);
+    expectRoundTrip<CEL_PixmapRGBA8>(1, 1);
+    expectRoundTrip<CEL_PixmapRGBA16>(301, 517);
 }
 
 INSTANTIATE_TEST_SUITE_P(Comments, CommentRoundTrip,
@@ -124,41 +124,40 @@ INSTANTIATE_TEST_SUITE_P(Comments, CommentRoundTrip,
                                            QStringLiteral("before") + QChar(0) + QStringLiteral("after"),
                                            QString(QChar(0)) + QStringLiteral("starts with NUL"), longComment()));
 
-TEST_F(ScratchDir, TwoValuedMatteIsStoredAsG4AndReadsAsZeroAnd255)
+TEST_F(ScratchDir, MatteGoesToG4WhenTwoValuedAndTheFormatAllowsIt)
 {
     // 13 pixels a row leaves three unused bits in each row's last byte;
-    // 4001 x 700 spreads the picture over several strips.
-    for (const auto &[w, h] : {std::pair{13, 9}, std::pair{4001, 700}}) {
-        auto leaf = bilevelLeaf(w, h);
-        const QString path = file(QStringLiteral("bw%1.tif").arg(w));
-        ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(leaf), path, QStringLiteral("SCAN"), QStringLiteral("bw")));
-        const TiffTags t = tagsOf(path);
-        EXPECT_EQ(t.compression, COMPRESSION_CCITTFAX4);
-        EXPECT_EQ(t.bps, 1);
-        const ReadBack r = readFile(path);
-        ASSERT_TRUE(r.ok);
-        EXPECT_TRUE(samePixels(*leaf, r.rep));
-        EXPECT_EQ(r.info.compression, "CCITT G4");
-        EXPECT_EQ(r.comment, "bw");
-    }
-    // Blank paper is two-valued too, and tiny in G4.
+    // 4001 x 700 spreads the picture over several strips; blank paper is
+    // two-valued too, and tiny in G4; one grey level keeps the whole matte at
+    // 8 bits; the general TIFF never goes to 1 bit.
+    auto oneGrey = bilevelLeaf(64, 32);
+    oneGrey->at(63, 31) = 128;
     auto blank = UT_makeShared<CEL_PixmapMatte8>(2000, 3000);
     std::memset(blank->data(), 255, blank->pixelCount());
-    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(blank), file("blank.tif"), QStringLiteral("SCAN")));
-    EXPECT_EQ(tagsOf(file("blank.tif")).compression, COMPRESSION_CCITTFAX4);
-    EXPECT_LT(QFileInfo(file("blank.tif")).size(), 4096);
-    EXPECT_TRUE(samePixels(*blank, readFile(file("blank.tif")).rep));
-}
-
-TEST_F(ScratchDir, OneGreyLevelKeepsTheWholeMatteAtEightBits)
-{
-    auto leaf = bilevelLeaf(64, 32);
-    leaf->at(63, 31) = 128;
-    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(leaf), file("grey.tif"), QStringLiteral("SCAN")));
-    const TiffTags t = tagsOf(file("grey.tif"));
-    EXPECT_EQ(t.compression, COMPRESSION_ADOBE_DEFLATE);
-    EXPECT_EQ(t.bps, 8);
-    EXPECT_TRUE(samePixels(*leaf, readFile(file("grey.tif")).rep));
+    const struct {
+        UT_SharePtr<CEL_PixmapMatte8> leaf;
+        const char *format;
+        uint16_t compression, bps;
+    } cases[] = {{bilevelLeaf(13, 9), "SCAN", COMPRESSION_CCITTFAX4, 1},
+                 {bilevelLeaf(4001, 700), "SCAN", COMPRESSION_CCITTFAX4, 1},
+                 {blank, "SCAN", COMPRESSION_CCITTFAX4, 1},
+                 {oneGrey, "SCAN", COMPRESSION_ADOBE_DEFLATE, 8},
+                 {bilevelLeaf(40, 40), "TIFF", COMPRESSION_ADOBE_DEFLATE, 8}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message() << c.leaf->width() << "x" << c.leaf->height() << " " << c.format);
+        const QString path = file("m.tif");
+        ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(c.leaf), path, QString::fromLatin1(c.format), QStringLiteral("bw")));
+        const TiffTags t = tagsOf(path);
+        EXPECT_EQ(t.compression, c.compression);
+        EXPECT_EQ(t.bps, c.bps);
+        const ReadBack r = readFile(path);
+        EXPECT_TRUE(samePixels(*c.leaf, r.rep));
+        EXPECT_EQ(r.comment, "bw");
+        EXPECT_EQ(r.info.compression, c.bps == 1 ? "CCITT G4" : "Deflate");
+        if (c.leaf == blank) {
+            EXPECT_LT(QFileInfo(path).size(), 4096);
+        }
+    }
 }
 
 TEST_F(ScratchDir, ColourScansOpenOpaqueElsewhereWithTheirResolution)
@@ -167,7 +166,7 @@ TEST_F(ScratchDir, ColourScansOpenOpaqueElsewhereWithTheirResolution)
     // at the resolution it was scanned at, and the station its exact pixels.
     for (const QString format : {"SCAN", "SCAN32", "SCAN24", "TIFF"}) {
         SCOPED_TRACE(format.toStdString());
-        auto c8 = scannedColour<CEL_PixmapRGBA8>(50, 20);
+        auto c8 = withoutAlpha(noiseLeaf<CEL_PixmapRGBA8>(50, 20));
         ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(c8), file("c8.tif"), format, {}, 300));
         const TiffTags t = tagsOf(file("c8.tif"));
         EXPECT_EQ(t.xResolution, 300.0f);
@@ -181,7 +180,7 @@ TEST_F(ScratchDir, ColourScansOpenOpaqueElsewhereWithTheirResolution)
         }
         EXPECT_TRUE(samePixels(*c8, readFile(file("c8.tif")).rep));
 
-        auto c16 = scannedColour<CEL_PixmapRGBA16>(20, 50);
+        auto c16 = withoutAlpha(noiseLeaf<CEL_PixmapRGBA16>(20, 50));
         ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(c16), file("c16.tif"), format));
         const std::vector<uint32_t> seen16 = seenElsewhere(file("c16.tif"));
         ASSERT_EQ(seen16.size(), c16->pixelCount());
@@ -189,15 +188,6 @@ TEST_F(ScratchDir, ColourScansOpenOpaqueElsewhereWithTheirResolution)
         EXPECT_TRUE(samePixels(*c16, readFile(file("c16.tif")).rep));
         EXPECT_EQ(tagsOf(file("c16.tif")).xResolution, 0.0f);  // a cel of unknown dpi claims none
     }
-}
-
-TEST_F(ScratchDir, FormatNamesDecideG4AndAlpha)
-{
-    // The general TIFF never goes to 1 bit.
-    auto bw = bilevelLeaf(40, 40);
-    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(bw), file("general.tif"), QStringLiteral("TIFF")));
-    EXPECT_EQ(tagsOf(file("general.tif")).bps, 8);
-    EXPECT_TRUE(samePixels(*bw, readFile(file("general.tif")).rep));
 
     // An alpha of the picture's own: SCAN32 keeps it, SCAN24 drops it and
     // reads back with alpha 0, as scanned.
@@ -207,9 +197,7 @@ TEST_F(ScratchDir, FormatNamesDecideG4AndAlpha)
     EXPECT_TRUE(samePixels(*alpha, readFile(file("c32.tif")).rep));
     ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(alpha), file("c24.tif"), QStringLiteral("SCAN24")));
     EXPECT_EQ(tagsOf(file("c24.tif")).spp, 3);
-    for (auto *p = alpha->data(); p != alpha->data() + alpha->pixelCount(); ++p)
-        p->a = 0;
-    EXPECT_TRUE(samePixels(*alpha, readFile(file("c24.tif")).rep));
+    EXPECT_TRUE(samePixels(*withoutAlpha(alpha), readFile(file("c24.tif")).rep));
     EXPECT_FALSE(readFile(file("c24.tif")).info.hasAlpha);
 }
 
@@ -226,30 +214,24 @@ TEST_F(ScratchDir, DateComesFromTheFileNotItsModificationTime)
     EXPECT_EQ(t.dateTime.size(), 19);
     EXPECT_FALSE(t.software.isEmpty());
     const ReadBack r = readFile(file("d.tif"));
-    ASSERT_TRUE(r.ok);
     EXPECT_GE(r.date, before);
     EXPECT_LE(r.date, QDateTime::currentDateTime().addSecs(2));
 }
 
-TEST_F(ScratchDir, WriteReplacesAFileAtTheExactPath)
+TEST_F(ScratchDir, WriteReplacesAFileAtTheExactPathAndRefusesWhatItCannotStore)
 {
+    auto &io = CELIO_Manager::getInstance();
     const QString path = file("no-extension-given");
     ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(noiseLeaf<CEL_PixmapRGBA8>(300, 300)), path, QStringLiteral("SCAN")));
     auto small = noiseLeaf<CEL_PixmapMatte16>(3, 2);
     ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(small), path, QStringLiteral("SCAN")));
     EXPECT_TRUE(samePixels(*small, readFile(path).rep));
     EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files).size(), 1);
-}
 
-TEST_F(ScratchDir, WriteRefusesWhatItCannotStore)
-{
-    auto &io = CELIO_Manager::getInstance();
     auto leaf = CEL_RepresentationPtr(noiseLeaf<CEL_PixmapMatte8>(4, 4));
-
     EXPECT_FALSE(writeLeaf(leaf, file("x.tif"), QStringLiteral("NOSUCH")));
     EXPECT_TRUE(io.lastError().contains("NOSUCH"));
     EXPECT_FALSE(writeLeaf(leaf, file("x.tif"), QString()));
-
     EXPECT_FALSE(io.write(nullptr, file("x.tif"), "tif", "SCAN", {}));
     EXPECT_FALSE(io.write(CEL_Cel::create(0).get(), file("x.tif"), "tif", "SCAN", {}));
     EXPECT_FALSE(writeLeaf(CEL_RepresentationPtr(UT_makeShared<CEL_PixmapRGBA8>(0, 5)), file("x.tif"), "SCAN"));
@@ -258,7 +240,6 @@ TEST_F(ScratchDir, WriteRefusesWhatItCannotStore)
     const QString missing = file("no/such/folder/x.tif");
     EXPECT_FALSE(writeLeaf(leaf, missing, QStringLiteral("SCAN")));
     EXPECT_TRUE(io.lastError().contains(missing));
-
     // A successful write clears the previous error.
     EXPECT_TRUE(writeLeaf(leaf, file("ok.tif"), QStringLiteral("SCAN")));
     EXPECT_TRUE(io.lastError().isEmpty());

@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <tuple>
+
+#include "vectorize/four_colour_options.h"
 #include "vectorize/pix2vec_options.h"
 
 namespace {
@@ -19,72 +23,47 @@ protected:
 
 }  // namespace
 
-TEST_F(Pix2vecOptions, NumbersAreNormalisedWhenParsed) {
-    TUPix2vecOptions o;
-    EXPECT_TRUE(o.parseOptionLine("-rgb_alpha 128 -fit_degreel 2 -fit_degreec 1", false));
-    EXPECT_NEAR(o.rgb_alpha, 0.50196, 1e-5);
-    EXPECT_EQ(o.fit_degreel, 3);
-    EXPECT_EQ(o.fit_degreec, 1);
-    for (auto [text, value] : {std::pair{"0.5", 0.5}, {"300", 1.0}, {"-4", 0.0}}) {
-        o.parseOptionLine(QStringLiteral("-rgb_alpha %1").arg(text), false);
-        EXPECT_DOUBLE_EQ(o.rgb_alpha, value) << text;
+TEST_F(Pix2vecOptions, ValuesAreNormalisedWhenParsed) {
+    // Out of range values get their replacements; values that are no numbers
+    // read as zero without error; colour ids are hexadecimal and take a name
+    // and bytes; -analyze sends the output nowhere unless a file is given.
+    using O = TUPix2vecOptions;
+    const struct {
+        const char *line;
+        bool (*holds)(const O &);
+    } cases[] = {
+        {"-rgb_alpha 128", [](const O &o) { return std::abs(o.rgb_alpha - 0.50196) < 1e-5; }},
+        {"-rgb_alpha 0.5", [](const O &o) { return o.rgb_alpha == 0.5; }},
+        {"-rgb_alpha 300", [](const O &o) { return o.rgb_alpha == 1.0; }},
+        {"-rgb_alpha -4", [](const O &o) { return o.rgb_alpha == 0.0; }},
+        {"-fit_degreel 2 -fit_degreec 1", [](const O &o) { return o.fit_degreel == 3 && o.fit_degreec == 1; }},
+        {"-bubble_gap 0 -bubble_length -3", [](const O &o) { return o.bubble_gap == 7 && o.bubble_length == 32; }},
+        {"-min_radius 0.5 -max_radius -1", [](const O &o) { return o.min_radius == 0.5 && o.max_radius == 4; }},
+        {"-min_radius -1", [](const O &o) { return o.min_radius == 2; }},
+        {"-gap abc -output_version 5", [](const O &o) { return o.gap == 0 && o.output_version == 0; }},
+        {"-output_version 604", [](const O &o) { return o.output_version == 1002; }},
+        {"-vectorization_color_id 3,Ink", [](const O &o) { return o.vectorizationColorId == 5 && o.colorName == "Ink"; }},
+        {"-vectorization_color_id ff,,Red,200,10,20",  // five parts leave alpha alone
+         [](const O &o) { return o.vectorizationColorId == 0xff && o.colorName == "Red" && o.colorR == 200 && o.colorB == 20 && o.colorA == 255; }},
+        {"-vectorization_color_id 10,Blue,1,2,3,128", [](const O &o) { return o.colorR == 1 && o.colorA == 128; }},
+        {"-vectorization_color_id 10,Blue,9,9", [](const O &o) { return o.colorR == 0 && o.colorName == "Blue"; }},
+        {"-outfile x -analyze", [](const O &o) { return o.outfile == "x"; }},
+        {"-analyze -outfile x", [](const O &o) { return o.outfile == "x"; }},
+        {"-analyze", [](const O &o) { return o.outfile == "/dev/null"; }},
+    };
+    for (const auto &c : cases) {
+        O o;
+        EXPECT_TRUE(o.parseOptionLine(c.line, false)) << c.line;
+        EXPECT_TRUE(c.holds(o)) << c.line;
     }
+    O o;
+    o.parseOptionLine("-rgb_alpha 0.5", false);
     o.resetDefaults();
     EXPECT_EQ(o.rgb_alpha, 255);
     EXPECT_FALSE(o.optionLine(true, true, true, true, true, true, true, true, true).contains("rgb_alpha"));
-}
-
-TEST_F(Pix2vecOptions, BubbleValuesOutOfRangeGetTheirReplacements) {
-    TUPix2vecOptions o;
-    EXPECT_TRUE(o.parseOptionLine("-bubble_gap 0 -bubble_length -3 -min_radius 0.5 -max_radius -1", false));
-    EXPECT_EQ(o.bubble_gap, 7);
-    EXPECT_EQ(o.bubble_length, 32);
-    EXPECT_DOUBLE_EQ(o.min_radius, 0.5);
-    EXPECT_DOUBLE_EQ(o.max_radius, 4);
-    o.parseOptionLine("-min_radius -1", false);
-    EXPECT_DOUBLE_EQ(o.min_radius, 2);
-}
-
-TEST_F(Pix2vecOptions, ValuesThatAreNoNumbersReadAsZeroWithoutError) {
-    TUPix2vecOptions o;
-    EXPECT_TRUE(o.parseOptionLine("-gap abc -output_version 5", false));
-    EXPECT_EQ(o.gap, 0);
-    EXPECT_EQ(o.output_version, 0);
-    EXPECT_TRUE(o.parseOptionLine("-output_version 604", false));
-    EXPECT_EQ(o.output_version, 1002);
     // Only the model unit is checked.
     EXPECT_FALSE(o.parseOptionLine("-pixelPerModelUnit abc", false));
     EXPECT_EQ(o.lastError, "Invalid pixel per model unit provided: abc.\n");
-}
-
-TEST_F(Pix2vecOptions, VectorizationColourIdTakesIdNameAndBytes) {
-    TUPix2vecOptions o;
-    EXPECT_TRUE(o.parseOptionLine("-vectorization_color_id 3,Ink", false));
-    EXPECT_EQ(o.vectorizationColorId, 5u);
-    EXPECT_EQ(o.colorName, "Ink");
-    o.parseOptionLine("-vectorization_color_id ff,,Red,200,10,20", false);
-    EXPECT_EQ(o.vectorizationColorId, 0xffu);
-    EXPECT_EQ(o.colorName, "Red");
-    EXPECT_EQ(o.colorR, 200);
-    EXPECT_EQ(o.colorB, 20);
-    EXPECT_EQ(o.colorA, 255);  // five parts leave alpha alone
-    o.parseOptionLine("-vectorization_color_id 10,Blue,1,2,3,128", false);
-    EXPECT_EQ(o.colorR, 1);
-    EXPECT_EQ(o.colorA, 128);
-    o.parseOptionLine("-vectorization_color_id 10,Blue,9,9", false);
-    EXPECT_EQ(o.colorR, 1);  // three or four parts: the numbers are ignored
-}
-
-TEST_F(Pix2vecOptions, AnalyzeSendsOutputNowhereUnlessAnOutputFileIsGiven) {
-    TUPix2vecOptions o;
-    o.parseOptionLine("-outfile x -analyze", false);
-    EXPECT_EQ(o.outfile, "x");
-    o.resetDefaults();
-    o.parseOptionLine("-analyze -outfile x", false);
-    EXPECT_EQ(o.outfile, "x");
-    o.resetDefaults();
-    o.parseOptionLine("-analyze", false);
-    EXPECT_EQ(o.outfile, "/dev/null");
 }
 
 TEST_F(Pix2vecOptions, FailuresStopTheParseAndKeepWhatCameBefore) {
@@ -203,4 +182,29 @@ TEST_F(Pix2vecOptions, HelpEndsTheParseAndPicksSections) {
     EXPECT_LT(all.indexOf("-register "), all.indexOf("-gap "));
     EXPECT_LT(all.indexOf("-threshsv"), all.indexOf("-blur_radius"));
     EXPECT_TRUE(all.contains("(default 1.33333)"));
+}
+
+TEST(FourColourOptions, ParseStopsAtTheNextOptionAndTextReadsBackUnlessTheTextureIsKept) {
+    auto parseWords = [](FourColourOptions &o, QStringList words) {
+        words.prepend(QStringLiteral("-4colours"));
+        return o.parse(words, 0, int(words.size()));
+    };
+    // Values below one are shares of 255, except the dirt area; keys are not case sensitive.
+    FourColourOptions o;
+    EXPECT_EQ(parseWords(o, {"rt:0.9", "GT:1", "bt:0.5", "dirt:0.5", "grey:100", "-gap", "3"}), 5);
+    EXPECT_EQ(std::tuple(o.redThreshold, o.greenThreshold, o.blueThreshold, o.dirtArea, o.grey),
+              std::tuple(229, 1, 127, 0.5, 100));
+    for (const auto &[words, used] : {std::pair{QStringList{}, 0}, {{"dark"}, -1}, {{"dark:x"}, -1}, {{"dark:1:2"}, -1},
+                                      {{"unknown:4"}, 1}})
+        EXPECT_EQ(parseWords(o, words), used) << words.join(' ').toStdString();
+
+    o = FourColourOptions();
+    parseWords(o, {"rgbdiff:20", "white:250", "dirt:200"});
+    EXPECT_EQ(o.toText(), "rgbdiff:20 dark:30 grey:220 white:250 dirt:200.0 rt:200 gt:200 bt:200");
+    FourColourOptions back;
+    EXPECT_EQ(parseWords(back, o.toText().split(' ')), 8);
+    EXPECT_EQ(back.toText(), o.toText());
+    o.keepTexture = true;
+    EXPECT_TRUE(o.toText().endsWith("bt:200keepTexture"));
+    EXPECT_EQ(parseWords(back, o.toText().split(' ')), -1);
 }

@@ -1,10 +1,8 @@
 // Files made by other programs: TIFF layouts written with libtiff directly,
-// a TIFF rewritten by tiffcp, and the formats Qt writes.
+// and the formats Qt writes.
 #include <QFile>
 #include <QImage>
 #include <QImageWriter>
-#include <QProcess>
-#include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
@@ -309,29 +307,6 @@ TEST_F(ScratchDir, DescriptionEditedByAnotherToolWinsOverThePrivateCopy)
     EXPECT_EQ(readFile(file("s.tif")).comment, "Version: 3 dpi 600");
 }
 
-TEST_F(ScratchDir, TiffRewrittenByTiffcpReadsTheSame)
-{
-    const QString tiffcp = QStandardPaths::findExecutable(QStringLiteral("tiffcp"));
-    if (tiffcp.isEmpty())
-        GTEST_SKIP() << "tiffcp is not installed";
-    auto colour = noiseLeaf<CEL_PixmapRGBA8>(70, 45);
-    auto ink = UT_makeShared<CEL_PixmapMatte8>(70, 45);
-    for (size_t i = 0; i < ink->pixelCount(); ++i)
-        ink->data()[i] = (i * 7919 % 13) < 4 ? 0 : 255;
-    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(colour), file("c.tif"), QStringLiteral("SCAN"), QStringLiteral("note")));
-    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(ink), file("bw.tif"), QStringLiteral("SCAN")));
-    ASSERT_EQ(QProcess::execute(tiffcp, {"-c", "lzw", "-t", "-w", "32", "-l", "32", file("c.tif"), file("c-tiled.tif")}), 0);
-    ASSERT_EQ(QProcess::execute(tiffcp, {"-c", "none", "-r", "1", file("bw.tif"), file("bw-plain.tif")}), 0);
-
-    const ReadBack tiled = readFile(file("c-tiled.tif"));
-    EXPECT_EQ(tiled.info.compression, "LZW");
-    EXPECT_TRUE(samePixels(*colour, tiled.rep));
-    EXPECT_EQ(tiled.comment, "note");  // tiffcp keeps ImageDescription
-    const ReadBack plain = readFile(file("bw-plain.tif"));
-    EXPECT_EQ(plain.info.compression, "none");
-    EXPECT_TRUE(samePixels(*ink, plain.rep));
-}
-
 namespace {
 // The kind of leaf and one of its pixels, as text.
 std::string pixelOf(const CEL_RepresentationPtr &rep, int x, int y)
@@ -396,17 +371,4 @@ TEST_F(ScratchDir, QtFormatsMapToTheClosestLeaf)
         EXPECT_EQ(r.info.container, c.container);
         EXPECT_EQ(r.comment, c.comment);
     }
-
-    if (!QImageWriter::supportedImageFormats().contains("jpeg"))
-        GTEST_SKIP() << "no JPEG plug-in";
-    QImage photo(16, 16, QImage::Format_RGB32);
-    photo.fill(QColor(180, 60, 90));
-    ASSERT_TRUE(photo.save(file("photo.jpg"), "jpeg"));
-    const ReadBack r = readFile(file("photo.jpg"));
-    EXPECT_EQ(r.info.container, "JPEG");
-    const auto *c = dynamic_cast<const CEL_PixmapRGBA8 *>(r.rep.get());
-    ASSERT_NE(c, nullptr);
-    EXPECT_NEAR(c->at(8, 8).r, 180, 4);
-    EXPECT_NEAR(c->at(8, 8).g, 60, 4);
-    EXPECT_NEAR(c->at(8, 8).b, 90, 4);
 }

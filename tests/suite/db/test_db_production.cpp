@@ -1,5 +1,7 @@
 // The production tree, exposures, the cel walk of the drawing selector and
 // the record of processed cels.
+#include <tuple>
+
 #include "db_backend_fixture.h"
 #include "suite/db/drawing_selection_data.h"
 
@@ -33,24 +35,21 @@ TEST_P(DbProduction, TreeHoldsWhatWasMadeAndRefusesDuplicates) {
 
     const auto elements = db_->elements(scenes[0].id);
     ASSERT_EQ(elements.size(), 1u);
-    const LMV_element_data &e = elements[0];
-    EXPECT_EQ(e.scanType, LMV_SCAN_BW);
-    EXPECT_EQ(e.needsVectorization, LMV_VECTORIZE);
-    EXPECT_EQ(TUDbAccess::field_chart_of_LMV_element_data(&e), 16.0f);
-    EXPECT_EQ(TUDbAccess::pf_of_LMV_element_data(&e), 24);
-    EXPECT_EQ(TUDbAccess::element_id_of_LMV_element_data(&e), element.id);
+    LMV_element_data e = elements[0];
+    EXPECT_EQ(std::tuple(e.scanType, e.needsVectorization, TUDbAccess::field_chart_of_LMV_element_data(&e),
+                         TUDbAccess::pf_of_LMV_element_data(&e), TUDbAccess::element_id_of_LMV_element_data(&e)),
+              std::tuple(LMV_SCAN_BW, LMV_VECTORIZE, 16.0f, 24, element.id));
     EXPECT_EQ(db_->DBA_elementPathFromID(element.id), QStringLiteral("E"));
     EXPECT_FALSE(db_->DBA_elementFromID(element.id + 100));
     EXPECT_TRUE(db_->DBA_elementNameFromID(element.id + 100).isEmpty());
 
-    LMV_element_data dup = e;
-    EXPECT_FALSE(db_->createElement(scenes[0].id, dup));
-    LMV_element_data odd = e;
-    odd.name = QStringLiteral("odd");
-    odd.scanType = 7;
-    EXPECT_FALSE(db_->createElement(scenes[0].id, odd));
+    EXPECT_FALSE(db_->createElement(scenes[0].id, e));  // the same name again
+    e.name = QStringLiteral("odd");
+    e.scanType = 7;
+    EXPECT_FALSE(db_->createElement(scenes[0].id, e));
 }
 
+// Exposures keep their order, once each, and give each drawing a cel.
 TEST_P(DbProduction, ExposuresKeepTheirOrderOnceAndGiveEachDrawingACel) {
     const LMV_element_data element = makeElement();
     ASSERT_TRUE(db_->createCel(element.id, QStringLiteral("2"), QString(), 0));
@@ -59,9 +58,7 @@ TEST_P(DbProduction, ExposuresKeepTheirOrderOnceAndGiveEachDrawingACel) {
     const auto scene = db_->findScene(db_->findJob(QStringLiteral("J"))->id, QStringLiteral("S"));
     ASSERT_TRUE(scene);
     EXPECT_EQ(db_->dba_ExposedDrawings(&*scene, element.id), (QStringList{"3", "1", "2", "10"}));
-
-    // "2" had a cel already; the others got one each.
-    QStringList celNames;
+    QStringList celNames;  // "2" had a cel already; the others got one each
     for (const auto &cel : db_->cels(element.id)) celNames << cel.drawingName();
     EXPECT_EQ(celNames, (QStringList{"2", "3", "1", "10"}));
 

@@ -3,6 +3,7 @@
 #include <QSet>
 
 #include <mutex>
+#include <tuple>
 #include <thread>
 
 #include "db_backend_fixture.h"
@@ -46,23 +47,14 @@ TEST_P(DbQueue, EntryKeepsEveryFieldAndListsInOrder) {
     const qint64 second = add(QStringLiteral("2"));
     ASSERT_GT(second, first);
 
-    const auto entry = db_->queueEntry(first);
-    ASSERT_TRUE(entry);
-    EXPECT_EQ(entry->environment, QStringLiteral("default"));
-    EXPECT_EQ(entry->active, 1);
-    EXPECT_EQ(entry->jobName, QStringLiteral("J"));
-    EXPECT_EQ(entry->sceneName, QStringLiteral("S"));
-    EXPECT_EQ(entry->elementName, QStringLiteral("E"));
-    EXPECT_EQ(entry->elementId, 17);
-    EXPECT_EQ(entry->drawing, QStringLiteral("1"));
-    EXPECT_EQ(entry->options, QStringLiteral("-no_color_art -scanner_calibrate 1.01 0.99 "));
-    EXPECT_EQ(entry->sceneId, 3);
-    EXPECT_EQ(entry->process, DBA_PROCESS_PIX2VEC);
-    EXPECT_EQ(entry->sceneVersion, 5000000000LL);
-    EXPECT_EQ(entry->state, dba_queueState::Waiting);
-    EXPECT_EQ(entry->createdAt, 1'000'000);
-    EXPECT_EQ(entry->takenAt, 0);
-    EXPECT_TRUE(entry->worker.isEmpty());
+    const auto e = db_->queueEntry(first);
+    ASSERT_TRUE(e);
+    EXPECT_EQ(std::tuple(e->environment, e->active, e->jobName, e->sceneName, e->elementName, e->elementId, e->drawing),
+              std::tuple(QStringLiteral("default"), 1, QStringLiteral("J"), QStringLiteral("S"), QStringLiteral("E"), 17,
+                         QStringLiteral("1")));
+    EXPECT_EQ(e->options, QStringLiteral("-no_color_art -scanner_calibrate 1.01 0.99 "));
+    EXPECT_EQ(std::tuple(e->sceneId, e->process, e->sceneVersion, e->state, e->createdAt, e->takenAt, e->worker),
+              std::tuple(3, DBA_PROCESS_PIX2VEC, 5000000000LL, dba_queueState::Waiting, 1'000'000, 0, QString()));
 
     const auto all = db_->queueEntries();
     ASSERT_EQ(all.size(), 2u);

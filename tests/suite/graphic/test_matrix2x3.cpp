@@ -17,24 +17,19 @@ void expectNear(Point2d got, Point2d want) {
 }  // namespace
 
 TEST(Matrix2x3, StepsHappenToThePointInTheOrderOfTheCalls) {
-    Matrix2x3 rotateThenMove;
+    Matrix2x3 rotateThenMove, moveThenRotate, moveThenScale;
     rotateThenMove.Rotate(std::numbers::pi / 2);
     rotateThenMove.Translate(10, 0);
-    expectNear(rotateThenMove.Apply(Point2d{1, 0}), {10, 1});
-
-    Matrix2x3 moveThenRotate;
     moveThenRotate.Translate(10, 0);
     moveThenRotate.Rotate(std::numbers::pi / 2);
-    expectNear(moveThenRotate.Apply(Point2d{1, 0}), {0, 11});
-
-    Matrix2x3 moveThenScale;
     moveThenScale.Translate(1, 2);
     moveThenScale.Scale(3, -1);
+    expectNear(rotateThenMove.Apply(Point2d{1, 0}), {10, 1});
+    expectNear(moveThenRotate.Apply(Point2d{1, 0}), {0, 11});
     expectNear(moveThenScale.Apply(Point2d{1, 1}), {6, -3});
     // A vector is not moved, only turned and scaled.
     const Math::Vector2d v = moveThenScale.Apply(Math::Vector2d{1, 1});
-    EXPECT_DOUBLE_EQ(v.x, 3);
-    EXPECT_DOUBLE_EQ(v.y, -1);
+    expectNear({v.x, v.y}, {3, -1});
 }
 
 TEST(Matrix2x3, MultiplyAppendsAndInverseUndoes) {
@@ -59,8 +54,8 @@ TEST(Box2d, EnlargeGrowsEverySideAndClearEmpties) {
     box.add({1, 2});
     box.add({3, 6});
     box.enlarge(0.5);
-    EXPECT_DOUBLE_EQ(box.x0, 0.5);
-    EXPECT_DOUBLE_EQ(box.y1, 6.5);
+    expectNear({box.x0, box.y0}, {0.5, 1.5});
+    expectNear({box.x1, box.y1}, {3.5, 6.5});
     EXPECT_DOUBLE_EQ(box.width(), 3);
     box.clear();
     EXPECT_TRUE(box.isEmpty());

@@ -39,19 +39,9 @@ protected:
 
 QString scanInfoLine(int side, float field, float dpi, float angle, float centreX, float centreY, int pegged = 1,
                      float pages = 1) {
-    LMV_scaninfo info{.scan_host = "host",
-                      .scanner_name = "bogus",
-                      .threshold = 128,
-                      .white_point = 240,
-                      .black_point = 10,
-                      .peg_side = side,
-                      .pegged = pegged,
-                      .paper_size = field,
-                      .pages = pages,
-                      .dpi = dpi,
-                      .rotation_angle = angle,
-                      .rotation_center_x = centreX,
-                      .rotation_center_y = centreY};
+    LMV_scaninfo info{.scan_host = "host", .scanner_name = "bogus", .threshold = 128, .white_point = 240,
+                      .black_point = 10, .peg_side = side, .pegged = pegged, .paper_size = field, .pages = pages,
+                      .dpi = dpi, .rotation_angle = angle, .rotation_center_x = centreX, .rotation_center_y = centreY};
     return QString::fromStdString(LMV_scaninfo_to_str(&info));
 }
 

@@ -13,6 +13,8 @@
 #include "scan/scanner_list.h"
 #include "support/message_capture.h"
 
+using Errors = std::vector<std::string>;
+
 class ConfTest : public ::testing::Test {
 protected:
     // Writes `text` byte for byte and reads it.

@@ -63,23 +63,6 @@ TEST(DeviceString, BothFormsAndNothingElse) {
     }
 }
 
-TEST(SenseMapping, KeysMapAndEverythingElseIsAFailure) {
-    DebugMode debug;
-    MessageCapture capture;
-    std::vector<uint8_t> sense(18, 0);
-    sense[2] = 0x06;
-    EXPECT_EQ(convert_scsistatus_to_lmvstatus(0, sense), SCSI_GOOD) << "good status ignores the sense";
-    for (auto [key, expected] : {std::pair{2, SCSI_NOT_READY}, {3, SCSI_MEDIUM_ERROR}, {6, SCSI_UNIT_ATTENTION}}) {
-        sense[2] = uint8_t(key | 0xe0);  // only the low four bits are the key
-        EXPECT_EQ(convert_scsistatus_to_lmvstatus(2, sense), expected) << key;
-    }
-    sense[2] = 0x05;  // illegal request
-    EXPECT_EQ(convert_scsistatus_to_lmvstatus(2, sense), SCSI_FAILURE);
-    EXPECT_TRUE(capture.contains("convert_scsistatus_to_lmvstatus: Unknown status code (2)"));
-    // Sense too short to hold a key: a failure, not a read past the end.
-    EXPECT_EQ(convert_scsistatus_to_lmvstatus(8, std::span<const uint8_t>(sense).first(2)), SCSI_FAILURE);
-}
-
 // ---- SPTI ----
 
 TEST(Spti, PacksTheRequestBlock) {
@@ -141,13 +124,19 @@ TEST(Spti, OneDataByteMovesEightAndTheAnswerGivesTheStatus) {
     ASSERT_TRUE(spti_execute(h, cdb, 2000, SptiDirection::Write, {&out, 1}, &status, ioctl));
     EXPECT_EQ(received, (std::vector<uint8_t>{0x99, 0, 0, 0, 0, 0, 0, 0}));
 
-    scsiStatus = 2;
-    senseKey = 6;
-    EXPECT_TRUE(spti_execute(h, cdb, 1000, SptiDirection::None, {}, &status, ioctl));
-    EXPECT_EQ(status, SCSI_UNIT_ATTENTION);
-
+    // The answer's status and sense key give the status; only the low four bits are the key.
     DebugMode debug;
     MessageCapture capture;
+    for (auto [scsi, key, expected] : {std::tuple(0, 6, SCSI_GOOD), {2, 0xe2, SCSI_NOT_READY}, {2, 3, SCSI_MEDIUM_ERROR},
+                                       {2, 0x16, SCSI_UNIT_ATTENTION}, {2, 5, SCSI_FAILURE}}) {
+        scsiStatus = uint8_t(scsi);
+        senseKey = uint8_t(key);
+        EXPECT_TRUE(spti_execute(h, cdb, 1000, SptiDirection::None, {}, &status, ioctl));
+        EXPECT_EQ(status, expected) << key;
+    }
+    EXPECT_TRUE(capture.contains("convert_scsistatus_to_lmvstatus: Unknown status code (2)"));
+    const uint8_t shortSense[2] = {0x70, 0};  // no key: a failure, not a read past the end
+    EXPECT_EQ(convert_scsistatus_to_lmvstatus(8, shortSense), SCSI_FAILURE);
     fail = true;
     EXPECT_FALSE(spti_execute(h, cdb, 1000, SptiDirection::None, {}, &status, ioctl));
     EXPECT_EQ(status, SCSI_FAILURE);

@@ -232,23 +232,14 @@ TEST_F(DeviceTest, NullRecordsAndEntriesAreInternalErrors) {
                  text.find("scanner_device.cpp:") != std::string::npos;
         return n;
     };
-    EXPECT_EQ(reserve_ScanDevice(nullptr), broken);
-    EXPECT_EQ(generic_reserve_of_ScanDeviceInfo(nullptr), broken);
-    EXPECT_EQ(generic_release_of_ScanDeviceInfo(nullptr), broken);
-    EXPECT_EQ(ops_of_ScanDeviceInfo(nullptr), nullptr);
-    EXPECT_FALSE(resolution_step_of_ScanDeviceInfo(&dev_, 8));  // out of range
-    EXPECT_EQ(assertions(), 5u);
-
-    capture_.clear();
     dev_.ops = ScannerOps{nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                           nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr};
-    for (ScanStatus s : {reserve_ScanDevice(&dev_), ready_ScanDevice(&dev_), inquire_ScanDevice(&dev_),
-                         setup1_ScanDevice(&dev_, drawing), set_window_ScanDevice(&dev_, drawing),
-                         setup2_ScanDevice(&dev_, drawing), autoload_ScanDevice(&dev_), initiate_ScanDevice(&dev_),
-                         read_ScanDevice(&dev_, drawing), release_ScanDevice(&dev_), poll_ScanDevice(&dev_),
-                         abort_ScanDevice(&dev_)})
+    for (ScanStatus s : {reserve_ScanDevice(nullptr), generic_reserve_of_ScanDeviceInfo(nullptr),
+                         generic_release_of_ScanDeviceInfo(nullptr), reserve_ScanDevice(&dev_), ready_ScanDevice(&dev_),
+                         setup1_ScanDevice(&dev_, drawing), release_ScanDevice(&dev_)})
         EXPECT_EQ(s, broken);
-    EXPECT_EQ(assertions(), 12u);
+    EXPECT_FALSE(resolution_step_of_ScanDeviceInfo(&dev_, 8));  // out of range
+    EXPECT_EQ(assertions(), 8u);
     // No eject entry: the model has no eject. Success, silently.
     TUMessage::instance()->setDebugMode(true);
     capture_.clear();

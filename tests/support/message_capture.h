@@ -2,6 +2,7 @@
 // Records every line that reaches the message singleton while it lives.
 #include <QString>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,11 +11,10 @@
 
 class MessageCapture {
 public:
-    MessageCapture() {
-        id_ = TUMessage::instance()->attachView([this](char type, const QString &text, const QString &) {
-            lines_.emplace_back(type, text.toStdString());
-        });
-    }
+    MessageCapture()
+        : id_(TUMessage::instance()->attachView([this](char type, const QString &text, const QString &) {
+              lines_.emplace_back(type, text.toStdString());
+          })) {}
     ~MessageCapture() { TUMessage::instance()->detachView(id_); }
     MessageCapture(const MessageCapture &) = delete;
     MessageCapture &operator=(const MessageCapture &) = delete;
@@ -29,13 +29,11 @@ public:
     }
     std::vector<std::string> errors() const { return texts('E'); }
     bool contains(const std::string &text) const {
-        for (const auto &[t, s] : lines_)
-            if (s == text) return true;
-        return false;
+        return std::any_of(lines_.begin(), lines_.end(), [&](const auto &line) { return line.second == text; });
     }
     void clear() { lines_.clear(); }
 
 private:
-    int id_ = 0;
-    std::vector<std::pair<char, std::string>> lines_;
+    std::vector<std::pair<char, std::string>> lines_;  // before id_: the view may write at once
+    int id_;
 };

@@ -12,17 +12,16 @@
 #include <unistd.h>
 
 namespace {
-const QString kBin = QStringLiteral("/usr/lib/postgresql/15/bin");
+const QString kBin = QStringLiteral("/usr/lib/postgresql/15/bin/");
 const QString kUser = QStringLiteral("postgres");
 
 // Stops the server once the tests are over, while the application still exists.
-class StopAtEnd : public ::testing::Environment {
-public:
+struct StopAtEnd : ::testing::Environment {
     void TearDown() override { PgTestServer::instance().stop(); }
 };
 }  // namespace
 
-bool PgTestServer::installed() { return QFile::exists(kBin + QStringLiteral("/initdb")); }
+bool PgTestServer::installed() { return QFile::exists(kBin + QStringLiteral("initdb")); }
 
 PgTestServer &PgTestServer::instance() {
     static PgTestServer *server = [] {
@@ -35,30 +34,28 @@ PgTestServer &PgTestServer::instance() {
 bool PgTestServer::run(const QString &program, const QStringList &args) {
     QProcess p;
     if (asPostgresUser_)
-        p.start(QStringLiteral("runuser"), QStringList{QStringLiteral("-u"), kUser, QStringLiteral("--"), program} + args);
+        p.start(QStringLiteral("runuser"), QStringList{QStringLiteral("-u"), kUser, QStringLiteral("--"), kBin + program} + args);
     else
-        p.start(program, args);
-    if (!p.waitForFinished(60000) || p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0) {
-        error_ = QStringLiteral("%1 failed: %2 %3")
-                     .arg(program, QString::fromLocal8Bit(p.readAllStandardError()),
-                          QString::fromLocal8Bit(p.readAllStandardOutput()));
-        return false;
-    }
-    return true;
+        p.start(kBin + program, args);
+    if (p.waitForFinished(60000) && p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0) return true;
+    error_ = QStringLiteral("%1 failed: %2 %3")
+                 .arg(program, QString::fromLocal8Bit(p.readAllStandardError()),
+                      QString::fromLocal8Bit(p.readAllStandardOutput()));
+    return false;
 }
 
 PgTestServer::PgTestServer() {
+    char pattern[] = "/tmp/scan-pg-XXXXXX";
     if (!installed()) {
         error_ = QStringLiteral("the PostgreSQL server programs are not installed");
         return;
     }
-    char pattern[] = "/tmp/scan-pg-XXXXXX";
     if (!mkdtemp(pattern)) {
         error_ = QStringLiteral("cannot make a temporary folder");
         return;
     }
     dir_ = QString::fromLocal8Bit(pattern);
-    if (geteuid() == 0) {
+    if (geteuid() == 0) {  // the server refuses root
         const passwd *pw = getpwnam("postgres");
         if (!pw || chown(pattern, pw->pw_uid, pw->pw_gid) != 0) {
             error_ = QStringLiteral("cannot hand %1 to the postgres user").arg(dir_);
@@ -66,24 +63,22 @@ PgTestServer::PgTestServer() {
         }
         asPostgresUser_ = true;
     }
-    const QString data = dir_ + QStringLiteral("/data");
-    if (!run(kBin + QStringLiteral("/initdb"), {QStringLiteral("-D"), data, QStringLiteral("-U"), kUser,
-                                                QStringLiteral("-A"), QStringLiteral("trust"), QStringLiteral("-E"),
-                                                QStringLiteral("UTF8"), QStringLiteral("--no-sync")}))
-        return;
-    running_ = resume();
+    running_ = run(QStringLiteral("initdb"), {QStringLiteral("-D"), dir_ + QStringLiteral("/data"), QStringLiteral("-U"),
+                                              kUser, QStringLiteral("-A"), QStringLiteral("trust"), QStringLiteral("-E"),
+                                              QStringLiteral("UTF8"), QStringLiteral("--no-sync")}) &&
+               resume();
 }
 
 bool PgTestServer::resume() {
     const QString options = QStringLiteral("-k %1 -h '' -F -c max_connections=60").arg(dir_);
-    return run(kBin + QStringLiteral("/pg_ctl"),
-               {QStringLiteral("-D"), dir_ + QStringLiteral("/data"), QStringLiteral("-o"), options, QStringLiteral("-l"),
-                dir_ + QStringLiteral("/server.log"), QStringLiteral("-w"), QStringLiteral("start")});
+    return run(QStringLiteral("pg_ctl"), {QStringLiteral("-D"), dir_ + QStringLiteral("/data"), QStringLiteral("-o"), options,
+                                          QStringLiteral("-l"), dir_ + QStringLiteral("/server.log"), QStringLiteral("-w"),
+                                          QStringLiteral("start")});
 }
 
 bool PgTestServer::halt() {
-    return run(kBin + QStringLiteral("/pg_ctl"), {QStringLiteral("-D"), dir_ + QStringLiteral("/data"), QStringLiteral("-m"),
-                                                 QStringLiteral("immediate"), QStringLiteral("stop")});
+    return run(QStringLiteral("pg_ctl"), {QStringLiteral("-D"), dir_ + QStringLiteral("/data"), QStringLiteral("-m"),
+                                          QStringLiteral("immediate"), QStringLiteral("stop")});
 }
 
 QString PgTestServer::url(const QString &database) const {
@@ -100,11 +95,9 @@ QString PgTestServer::createDatabase() {
         db.setHostName(dir_);
         db.setUserName(kUser);
         db.setDatabaseName(kUser);
-        ok = db.open();
-        if (ok) {
+        if ((ok = db.open())) {
             QSqlQuery q(db);
-            ok = q.exec(QStringLiteral("CREATE DATABASE %1").arg(name));
-            if (!ok) error_ = q.lastError().text();
+            if (!(ok = q.exec(QStringLiteral("CREATE DATABASE %1").arg(name)))) error_ = q.lastError().text();
         } else {
             error_ = db.lastError().text();
         }

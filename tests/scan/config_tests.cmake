@@ -1,9 +1,8 @@
-# Tests of the configuration reader, the model table and `scanctl scanners`.
+# Tests of the configuration reader, the model table and the scanctl commands.
 scan_add_test(test_scan_config
   SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/test_scanner_list.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/test_devices.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/test_scanctl_scanners.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/test_scanctl.cpp
   LIBS scan)
 target_compile_definitions(test_scan_config PRIVATE
   SCANCTL_PATH="$<TARGET_FILE:scanctl>"

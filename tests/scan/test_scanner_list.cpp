@@ -1,14 +1,58 @@
 // Reading Scan.conf into the scanner list: lines, keywords, checks of values,
-// and what the list offers once read.
+// what the list offers once read, and what each model family offers.
 #include <QDir>
-
-#include <limits>
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-#include "conf_fixture.h"
+#include <limits>
+#include <memory>
+#include <string>
+#include <tuple>
+
+#include "scan/devices.h"
 #include "scan/scanner_list.h"
 #include "suite/base/osw_util.h"
+#include "support/message_capture.h"
+
+using Errors = std::vector<std::string>;
+
+// Reads a Scan.conf written from a string, for the host "station1", and keeps
+// the messages that the read produced.
+class ConfTest : public ::testing::Test {
+protected:
+    void read(const std::string &text, bool keepTwain = true) {
+        QFile f(path_);
+        EXPECT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        f.write(text.data(), static_cast<qint64>(text.size()));
+        f.close();
+        capture_.clear();
+        list_ = read_ScannerList(path_, keepTwain, QStringLiteral("station1"));
+    }
+    ScannerEntry *only() {
+        EXPECT_EQ(count_of_ScannerList(list_.get()), 1);
+        return entry(0);
+    }
+    ScannerEntry *entry(int i) { return entry_of_ScannerList(list_.get(), i); }
+    std::string path() const { return path_.toStdString(); }
+    Errors errors() const { return capture_.errors(); }
+    Errors logs() const { return capture_.texts('I'); }
+
+    QTemporaryDir dir_;
+    QString path_ = dir_.filePath(QStringLiteral("Scan.conf"));
+    MessageCapture capture_;
+    std::unique_ptr<ScannerList> list_;
+};
+
+namespace {
+
+// host:, name:, device: and model: of one scanner of station1.
+std::string block(const std::string &model, const std::string &more = {}, const std::string &name = "S") {
+    return "host: station1\nname: " + name + "\ndevice: sim:" + model + "\nmodel: " + model + "\n" + more;
+}
+
+}  // namespace
 
 TEST_F(ConfTest, CommentsAndBlankLinesAloneGiveAnEmptyListAndNoMessage) {
     read("# studio scanners\n\n   \n\t\r\n#host: station1\n");
@@ -30,9 +74,9 @@ TEST_F(ConfTest, OnlyBlocksOfThisHostAreKeptAndOthersMayHoldNonsense) {
          "host: station1\nname: Second\ndevice: fieldchart\nmodel: Bogus-B&W\n");
     EXPECT_TRUE(errors().empty());
     ASSERT_EQ(count_of_ScannerList(list_.get()), 2);
-    EXPECT_EQ(name_of_ScannerEntry(entry_of_ScannerList(list_.get(), 0)), "Mine");
-    EXPECT_EQ(name_of_ScannerEntry(entry_of_ScannerList(list_.get(), 1)), "Second");
-    EXPECT_EQ(entry_of_ScannerList(list_.get(), 2), nullptr);
+    EXPECT_EQ(name_of_ScannerEntry(entry(0)), "Mine");
+    EXPECT_EQ(name_of_ScannerEntry(entry(1)), "Second");
+    EXPECT_EQ(entry(2), nullptr);
 
     // Without a host given, the machine's own name, in any case.
     QString me;
@@ -80,7 +124,7 @@ TEST_F(ConfTest, UnknownWordsAndModels) {
                                 "Model Fujitsu_M9999 Is Not A Supported Scanner.",
                                 "Unknown defaultPegSide value 'top'\n"}));
     ASSERT_EQ(count_of_ScannerList(list_.get()), 2);
-    ScannerEntry *first = entry_of_ScannerList(list_.get(), 0), *second = entry_of_ScannerList(list_.get(), 1);
+    ScannerEntry *first = entry(0), *second = entry(1);
     EXPECT_EQ(name_of_ScannerEntry(first), "S");
     EXPECT_EQ(defaultPegSide_of_ScannerEntry(first), PEG_LEFT);
     EXPECT_EQ(registrationStrictness_of_ScannerEntry(first), REGISTRATION_LOOSE);
@@ -103,7 +147,7 @@ TEST_F(ConfTest, FloatChecksKeepOrReplaceTheValue) {
                                 "Config file " + p + ": Side3CleanSize should be > 0.0.\n",
                                 "Config file " + p + ": xscale should be > 0.0.\n",
                                 "Config file " + p + ": leftOffset should be > 0.0.\n"}));
-    ScannerEntry *e = entry_of_ScannerList(list_.get(), 0);
+    ScannerEntry *e = entry(0);
     EXPECT_FLOAT_EQ(defaultGamma_of_ScannerEntry(e), 0.0000000001f);
     EXPECT_FLOAT_EQ(pegPitch_of_ScannerEntry(e), -2.0f);  // reported, kept
     EXPECT_FLOAT_EQ(cleanSize_of_ScannerEntry(e, 0), 0.0f);
@@ -113,7 +157,7 @@ TEST_F(ConfTest, FloatChecksKeepOrReplaceTheValue) {
     EXPECT_DOUBLE_EQ(xScaleAdjustment_of_ScannerEntry(e), 1.0);
     EXPECT_DOUBLE_EQ(yScaleAdjustment_of_ScannerEntry(e), 1.01);
     EXPECT_FLOAT_EQ(device_of_ScannerEntry(e)->leftOffset, -0.5f);
-    ScannerEntry *aliases = entry_of_ScannerList(list_.get(), 1);
+    ScannerEntry *aliases = entry(1);
     EXPECT_EQ(std::pair(cleanSize_of_ScannerEntry(aliases, 0), cleanSize_of_ScannerEntry(aliases, 2)),
               std::pair(2.0f, 4.0f));
 }
@@ -129,7 +173,7 @@ TEST_F(ConfTest, IntegerRangeChecksReadThroughToTheModel) {
                                 "Config file " + p + ": defaultBrightness should be > 0 or less than 255.\n",
                                 "Config file " + p + ": defaultGammaMode should be > 0 or less than 255.\n",
                                 "Config file " + p + ": defaultResolution should be > 0.\n", wait, wait}));
-    ScannerEntry *a = entry_of_ScannerList(list_.get(), 0), *b = entry_of_ScannerList(list_.get(), 1);
+    ScannerEntry *a = entry(0), *b = entry(1);
     EXPECT_EQ(std::tuple(defaultContrast_of_ScannerEntry(a), defaultBrightness_of_ScannerEntry(a),
                          defaultGammaMode_of_ScannerEntry(a), device_of_ScannerEntry(a)->default_gamma_mode,
                          WaitBetweenDrawings_of_ScannerEntry(a)),
@@ -140,7 +184,7 @@ TEST_F(ConfTest, IntegerRangeChecksReadThroughToTheModel) {
                          defaultGammaMode_of_ScannerEntry(b), device_of_ScannerEntry(b)->default_gamma_mode,
                          WaitBetweenDrawings_of_ScannerEntry(b)),
               std::tuple(0, 255, 0, 0, 0));  // 0x100 refused
-    EXPECT_EQ(WaitBetweenDrawings_of_ScannerEntry(entry_of_ScannerList(list_.get(), 2)), 0);
+    EXPECT_EQ(WaitBetweenDrawings_of_ScannerEntry(entry(2)), 0);
 }
 
 TEST_F(ConfTest, DropColoursAddOrReplaceAndReachTheDevice) {
@@ -163,7 +207,7 @@ TEST_F(ConfTest, MissingFieldsAreAllReportedAndTheRecordStaysUnfinished) {
     EXPECT_EQ(errors(), (Errors{missing + "name.\n", missing + "device.\n", missing + "model.\n",
                                 missing + "device.\n", missing + "model.\n"}));
     ASSERT_EQ(count_of_ScannerList(list_.get()), 2);
-    const ScanDeviceInfo *dev = device_of_ScannerEntry(entry_of_ScannerList(list_.get(), 1));
+    const ScanDeviceInfo *dev = device_of_ScannerEntry(entry(1));
     EXPECT_EQ(dev->name, "(None Selected)");  // nothing was copied
     EXPECT_EQ(dev->default_threshold, -1);
 }
@@ -173,7 +217,7 @@ TEST_F(ConfTest, MissingFieldsAreAllReportedAndTheRecordStaysUnfinished) {
 TEST_F(ConfTest, DefaultsMergeWithTheDeviceBothWays) {
     read(block("Sharp_JX-610", "defaultGamma: 2.5\ndefaultBlackPoint: 30\n", "Sharp") +
          block("Epson_836XL", "gammaFile: /studio/g.txt\n", "A") + block("Bogus-Color", "gammaFile: /studio/g.txt\n", "B"));
-    ScannerEntry *e = entry_of_ScannerList(list_.get(), 0);
+    ScannerEntry *e = entry(0);
     ScanDeviceInfo *dev = device_of_ScannerEntry(e);
     EXPECT_FLOAT_EQ(dev->default_gamma, 2.5f);
     EXPECT_EQ(std::tuple(dev->default_black_point, defaultBlackPoint_of_ScannerEntry(e),
@@ -182,9 +226,9 @@ TEST_F(ConfTest, DefaultsMergeWithTheDeviceBothWays) {
     EXPECT_EQ(e->defaultWhitePoint, -1);
     EXPECT_EQ(defaultWhitePoint_of_ScannerEntry(e), 235);
     EXPECT_EQ(dev->gamma_file, "(None)");
-    EXPECT_EQ(device_of_ScannerEntry(entry_of_ScannerList(list_.get(), 1))->gamma_file, "/studio/g.txt");
-    EXPECT_EQ(device_of_ScannerEntry(entry_of_ScannerList(list_.get(), 2))->gamma_file, "(None)");
-    EXPECT_EQ(gammaFile_of_ScannerEntry(entry_of_ScannerList(list_.get(), 2)), "/studio/g.txt");
+    EXPECT_EQ(device_of_ScannerEntry(entry(1))->gamma_file, "/studio/g.txt");
+    EXPECT_EQ(device_of_ScannerEntry(entry(2))->gamma_file, "(None)");
+    EXPECT_EQ(gammaFile_of_ScannerEntry(entry(2)), "/studio/g.txt");
 }
 
 // A TWAIN block needs only its model; the list finds scanners by exact name
@@ -192,7 +236,7 @@ TEST_F(ConfTest, DefaultsMergeWithTheDeviceBothWays) {
 TEST_F(ConfTest, FindByNameAndTakeTwain) {
     read(block("Bogus-Color", "", "Scan") + "host: station1\nmodel: TWAIN\n" + block("Bogus-B&W", "", "Scanner"));
     EXPECT_TRUE(errors().empty());
-    ScannerEntry *twain = entry_of_ScannerList(list_.get(), 1);
+    ScannerEntry *twain = entry(1);
     EXPECT_EQ(name_of_ScannerEntry(twain), "TWAIN");
     EXPECT_EQ(deviceName_of_ScannerEntry(twain), "sc0;d0;l0");
     EXPECT_TRUE(forceAllResolutions_of_ScannerEntry(twain));
@@ -201,7 +245,7 @@ TEST_F(ConfTest, FindByNameAndTakeTwain) {
               std::tuple(72, 600, 300));
 
     int32_t index = 7;
-    EXPECT_EQ(find_by_name_of_ScannerList(list_.get(), "Scanner", &index), entry_of_ScannerList(list_.get(), 2));
+    EXPECT_EQ(find_by_name_of_ScannerList(list_.get(), "Scanner", &index), entry(2));
     EXPECT_EQ(index, 2);
     EXPECT_EQ(find_by_name_of_ScannerList(list_.get(), "scanner", &index), nullptr);
     EXPECT_EQ(index, -1);
@@ -210,7 +254,7 @@ TEST_F(ConfTest, FindByNameAndTakeTwain) {
     std::unique_ptr<ScannerEntry> taken = take_TWAIN_of_ScannerList(list_.get());
     EXPECT_EQ(taken.get(), twain);
     EXPECT_EQ(count_of_ScannerList(list_.get()), 2);
-    EXPECT_EQ(name_of_ScannerEntry(entry_of_ScannerList(list_.get(), 1)), "Scanner");
+    EXPECT_EQ(name_of_ScannerEntry(entry(1)), "Scanner");
     EXPECT_EQ(take_TWAIN_of_ScannerList(list_.get()), nullptr);
 
     read(block("Bogus-Color", "", "Scan") + "host: station1\nmodel: TWAIN\n", false);
@@ -220,7 +264,7 @@ TEST_F(ConfTest, FindByNameAndTakeTwain) {
 
 TEST_F(ConfTest, BestScannerForAnElementScanType) {
     read(block("Fujitsu_M3096G", "", "Mono") + block("Bogus-Color", "", "Colour"));
-    ScannerEntry *mono = entry_of_ScannerList(list_.get(), 0), *colour = entry_of_ScannerList(list_.get(), 1);
+    ScannerEntry *mono = entry(0), *colour = entry(1);
     for (auto [current, type, best] : {std::tuple(mono, SCANTYPE_BW, mono), {mono, SCANTYPE_GREY, mono},
                                        {mono, SCANTYPE_COLOUR, colour}, {colour, SCANTYPE_COLOUR, colour},
                                        {mono, SCANTYPE_NEVER, nullptr}, {mono, SCANTYPE_NONE, nullptr},
@@ -232,7 +276,7 @@ TEST_F(ConfTest, BestScannerForAnElementScanType) {
 
 TEST_F(ConfTest, InformationTextAndEject) {
     read(block("Bogus-Color", "descr: corner desk\n", "Test") + block("Ricoh_IS420", "", "Ricoh"));
-    ScannerEntry *e = entry_of_ScannerList(list_.get(), 0);
+    ScannerEntry *e = entry(0);
     EXPECT_EQ(information_of_ScannerEntry(e),
               "Scanner Name:\tTest\nDevice:\t\tsim:Bogus-Color\nScanner Model:\tBogus-Color\nDescription:\tcorner desk");
 
@@ -246,5 +290,137 @@ TEST_F(ConfTest, InformationTextAndEject) {
     EXPECT_EQ(eject_of_ScannerEntry(e), scan_status(SCSI_MEDIUM_ERROR, STATUS_NO_MORE_PAPER));
     EXPECT_TRUE(seen);
     EXPECT_FALSE(dev->last_drawing);
-    EXPECT_EQ(eject_of_ScannerEntry(entry_of_ScannerList(list_.get(), 1)), ScanStatus{}) << "a Ricoh has no eject";
+    EXPECT_EQ(eject_of_ScannerEntry(entry(1)), ScanStatus{}) << "a Ricoh has no eject";
+}
+
+// ---- the model table ----
+
+namespace {
+
+// Which groups a parameter set has: T threshold, B black and white point,
+// G gamma, S speed, D drop colours.
+std::string groups(const Standard_parameters &p) {
+    return std::string(p.has_threshold ? "T" : "") + (p.has_black_point && p.has_white_point ? "B" : "") +
+           (p.has_gamma ? "G" : "") + (p.has_speed ? "S" : "") + (p.has_rgbDrop ? "D" : "");
+}
+
+// The groups of black and white, grey and colour, and the resolutions offered.
+std::string profile(const ScanDeviceInfo *dev) {
+    std::string s = groups(dev->bw_parameters) + "/" + groups(dev->grey_parameters) + "/" +
+                    groups(dev->colour_parameters) + " ";
+    for (std::size_t i = 0; i < kResolutionSteps.size(); ++i)
+        if (dev->resolution_steps[i]) s += std::to_string(kResolutionSteps[i]) + " ";
+    return s;
+}
+
+}  // namespace
+
+TEST(ModelTable, SupportedNamesAreExact) {
+    for (const char *m : {"TWAIN", "Sane", "Bogus-B&W"}) EXPECT_TRUE(supported_model_of_devices(QString::fromLatin1(m))) << m;
+    for (const char *m : {"", "twain", "Bogus-Colour", "Fujitsu_M3096G ", "Epson"})
+        EXPECT_FALSE(supported_model_of_devices(QString::fromLatin1(m))) << m;
+    EXPECT_FALSE(setup_model_of_devices(nullptr));
+}
+
+// Each family's parameter groups and resolutions. Sharp and Umax want no
+// gamma file at all for colour gamma; Epson only an absent file, and the
+// GT-15000 loses its grey gamma to an existing one.
+TEST_F(ConfTest, ParameterSetsAndResolutionsPerFamily) {
+    const QString existing = dir_.filePath(QStringLiteral("gamma.txt"));
+    QFile(existing).open(QIODevice::WriteOnly);
+    const std::string absent = "gammaFile: " + dir_.filePath(QStringLiteral("absent.txt")).toStdString() + "\n";
+    const std::string present = "gammaFile: " + existing.toStdString() + "\n";
+    const std::string drop = "rgbDropList: Red, 1, 2, 3, 4, 5, 6\n";
+    const std::string all = "72 100 150 200 240 300 400 600 ";
+    const std::tuple<const char *, std::string, std::string> rows[] = {
+        {"Fujitsu_M3096G", drop, "T/B/ 200 240 300 400 "},
+        {"Fujitsu_M4097D", "forceAllResolutions:\n", "T/B/ " + all},
+        {"Fujitsu_fi4750C", drop, "TD/BGD/G 200 240 300 400 "},
+        {"Sharp_JX-610", drop, "TS/BGS/GS " + all},
+        {"Sharp_JX-610", absent, "TS/BGS/S " + all},
+        {"Umax_Mirage", drop, "TS/BGS/GS " + all},
+        {"Microtek_9600XL", drop, "T/BG/G " + all},
+        {"Ricoh_IS410", drop, "T/B/ 100 150 200 240 300 400 "},
+        {"Ricoh_IS450", drop, "T/B/ 100 150 200 240 300 400 "},
+        {"Ricoh_IS330", drop, "T/B/ 100 150 200 240 300 400 600 "},
+        {"Epson_836XL", absent, "T/BG/G " + all},
+        {"Epson_836XL", present, "T/BG/ " + all},
+        {"Epson_GT-15000", present, "T/B/ " + all},
+        {"Bogus-B&W", drop, "TSD//G " + all},
+        {"Bogus-Color", drop, "TSD/BSD/GS 72 100 150 200 300 400 600 "},
+        {"Plugin-Color", "", "// 300 "},
+        {"Sane", "", "// 300 "},  // a known name without a setup: a fresh device
+    };
+    std::string conf;
+    for (const auto &[model, more, want] : rows) conf += block(model, more, model);
+    read(conf);
+    EXPECT_EQ(errors(), Errors{"Device Sane Not Supported."});
+    ASSERT_EQ(count_of_ScannerList(list_.get()), static_cast<int32_t>(std::size(rows)));
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        const auto &[model, more, want] = rows[i];
+        EXPECT_EQ(profile(device_of_ScannerEntry(entry(int32_t(i)))), want)
+            << model << " " << more;
+    }
+    const ScanDeviceInfo *plugin = device_of_ScannerEntry(entry(int32_t(std::size(rows) - 2)));
+    const ScannerOps fresh;
+    EXPECT_TRUE(plugin->ops.reserve == fresh.reserve && plugin->ops.read == fresh.read);
+
+    // A file that happens to be called "(None)" takes the colour gamma from Sharp and Umax.
+    const QString old = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(dir_.path()));
+    QFile(QStringLiteral("(None)")).open(QIODevice::WriteOnly);
+    read(block("Umax_Mirage"));
+    QDir::setCurrent(old);
+    EXPECT_EQ(profile(device_of_ScannerEntry(only())), "TS/BGS/S " + all);
+}
+
+// Out-of-range defaults are replaced silently, by family.
+TEST_F(ConfTest, SetupReplacesOutOfRangeDefaults) {
+    reset_fi6770_mode_of_devices();
+    const std::string bad = "defaultThreshold: 300\ndefaultBlackPoint: -5\ndefaultWhitePoint: 200\n"
+                            "defaultGamma: 3.5\n";
+    read(block("Fujitsu_M3096G", bad, "M") + block("Fujitsu_fi5750C", bad, "Fi") + block("Fujitsu_fi6770"));
+    EXPECT_TRUE(errors().empty());
+    const ScanDeviceInfo *m = device_of_ScannerEntry(entry(0));
+    EXPECT_EQ(std::tuple(m->default_threshold, m->bw_parameters.threshold_default, m->default_black_point,
+                         m->default_white_point, m->grey_parameters.white_point_current, m->flag_c),
+              std::tuple(100, 100, 20, 200, 200, 0));
+    EXPECT_FLOAT_EQ(m->default_gamma, 3.5f);  // no gamma on this family: left alone
+    const ScanDeviceInfo *fi = device_of_ScannerEntry(entry(1));
+    EXPECT_EQ(std::tuple(fi->default_black_point, fi->default_white_point, fi->flag_c), std::tuple(25, 200, 1));
+    EXPECT_FLOAT_EQ(fi->colour_parameters.gamma_default, 0.65f);
+    EXPECT_TRUE(fi6770_mode_of_devices());
+    reset_fi6770_mode_of_devices();
+    ScanDeviceInfo direct;  // the reader never lets such a contrast through
+    direct.model = QStringLiteral("Fujitsu_fi5750C");
+    direct.default_contrast = 300;
+    ASSERT_TRUE(setup_model_of_devices(&direct));
+    EXPECT_EQ(direct.default_contrast, 0);
+    EXPECT_FALSE(fi6770_mode_of_devices());
+}
+
+TEST_F(ConfTest, ResolutionCheckMovesUpToAnOfferedStep) {
+    const std::tuple<const char *, int, int> rows[] = {
+        {"Fujitsu_M3096G", 250, 300}, {"Ricoh_IS410", 250, 300}, {"Sharp_JX-610", 1000, 600},
+        {"Fujitsu_fi4750C", 120, 120},  // 150 is not offered
+        {"Bogus-Color", 220, 200},      // above its highest
+        {"Ricoh_IS420", 72, 100},       {"Sharp_JX-610", 73, 100}, {"Plugin-Color", 150, 300},
+    };
+    std::string conf;
+    Errors logged;
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        const auto [model, asked, got] = rows[i];
+        const std::string name = "S%" + std::to_string(i + 1);  // a name never taken for a value
+        conf += block(model, "defaultResolution: " + std::to_string(asked) + "\n", name);
+        if (asked != got)
+            logged.push_back("Invalid Resolution for model " + name + ": " + std::to_string(asked) + " changed to " +
+                             std::to_string(got) + ".");
+    }
+    read(conf + block("Fujitsu_M3096G", "forceAllResolutions:\ndefaultResolution: 600\n"));
+    EXPECT_TRUE(errors().empty());
+    EXPECT_EQ(logs(), logged);
+    for (std::size_t i = 0; i <= std::size(rows); ++i)
+        EXPECT_EQ(defaultResolution_of_ScannerEntry(entry(int32_t(i))),
+                  i < std::size(rows) ? std::get<2>(rows[i]) : 600)
+            << i;
 }

@@ -105,7 +105,7 @@ TEST(ScanInfo, WriterUsesVersion3PercentGAndSingleTokenNames) {
     EXPECT_EQ(out->scan_host + " " + out->scanner_name, "unknown Sharp_JX610_at_desk_2");
 
     out = filled();
-    out->scan_host = std::string(1006, 'h') + "\xc3\xa9" + "tail";  // a two-byte character across the limit
+    out->scan_host.assign(1006, 'h').append("\xc3\xa9").append("tail");  // a two-byte character across the limit
     const std::string line = LMV_scaninfo_to_str(out.get());
     EXPECT_EQ(out->scan_host, std::string(1006, 'h'));
     InfoPtr in(create_LMV_scaninfo());

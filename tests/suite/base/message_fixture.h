@@ -34,13 +34,12 @@ protected:
     }
 };
 
-inline TUMessage::Settings settingsIn(const QString &folder, bool debug = false) {
+inline TUMessage::Settings settingsIn(const QString &folder) {
     TUMessage::Settings s;
     s.appName = QStringLiteral("Scan Station");
     s.version = QStringLiteral("1.4\n\nbuild 77\n");
     s.userName = QStringLiteral("tester");
     s.logFolder = folder;
-    s.debug = debug;
     return s;
 }
 

@@ -156,19 +156,3 @@ TEST(MessageLog, ReusedNumberIsTruncatedOrAppended) {
     EXPECT_TRUE(both.contains("third run"));
     EXPECT_EQ(both.count(" Application : "), 2);  // each run writes its own header
 }
-
-TEST(MessageLog, TranslatedLogSitsBesideTheLogAndIsRemovedWithIt) {
-    QTemporaryDir dir;
-    MessageLog::Identity id = identityIn(dir);
-    id.translated = true;
-    MessageLog log;
-    ASSERT_TRUE(log.open(id, notLive));
-    EXPECT_EQ(log.translatedLogPath(), log.logPath() + "i");
-    log.writeLine("source \u00e9", "traduit \u00e9");
-    EXPECT_TRUE(readFile(log.logPath()).endsWith("source \u00e9\n"));
-    EXPECT_TRUE(readFile(log.translatedLogPath()).endsWith("traduit \u00e9\n"));  // UTF-8 both ways
-
-    const QString paths[] = {log.logPath(), log.translatedLogPath(), log.lockPath()};
-    log.closeAndRemove();
-    for (const QString &p : paths) EXPECT_FALSE(QFile::exists(p)) << p.toStdString();
-}

@@ -1,10 +1,6 @@
 // The vectorize queue: entries go in whole, are taken once under a lease,
 // come back when their worker's lease runs out, and record their outcome.
-#include <QSet>
-
-#include <mutex>
 #include <tuple>
-#include <thread>
 
 #include "db_backend_fixture.h"
 
@@ -151,46 +147,6 @@ TEST_P(DbQueue, EachEnvironmentHasItsOwnQueue) {
     EXPECT_EQ(taken->environment, QStringLiteral("night"));
     EXPECT_EQ(db_->queueEntries().size(), 1u);  // listing spans environments
     EXPECT_EQ(db_->dba_OpenQueue(0, QString(), &night), -1);
-}
-
-TEST_P(DbQueue, SessionsAddingAndTakingAtOnceLoseNothingAndShareNothing) {
-    // Each thread has its own session, as separate processes would.
-    constexpr int kThreads = 3, kPerThread = 20;
-    std::mutex mutex;
-    QList<qint64> added, taken;
-    QStringList errors;
-    auto inThreads = [&](const std::function<void(SqlDbAccess &, int)> &work) {
-        std::vector<std::jthread> threads;
-        for (int t = 0; t < kThreads; ++t)
-            threads.emplace_back([&, t] {
-                SqlDbAccess db(connection_);
-                if (db.dba_Open2dDatabaseSession() == 0) return work(db, t);
-                std::lock_guard lock(mutex);
-                errors << db.lastError();
-            });
-    };
-    inThreads([&](SqlDbAccess &db, int t) {
-        std::unique_ptr<dba_queue_struct> queue;
-        if (db.dba_OpenQueue(0, QStringLiteral("default"), &queue) != 0) return;
-        for (int i = 0; i < kPerThread; ++i) {
-            dba_queueEntry_struct entry;
-            entry.drawing = QStringLiteral("%1-%2").arg(t).arg(i);
-            const int rc = db.dba_AddQueueEntry(queue.get(), &entry);
-            std::lock_guard lock(mutex);
-            if (rc == 0) added << entry.id;
-            else errors << db.lastError();
-        }
-    });
-    inThreads([&](SqlDbAccess &db, int t) {
-        while (auto entry = db.takeQueueEntry(QStringLiteral("w%1").arg(t), 60)) {
-            std::lock_guard lock(mutex);
-            taken << entry->id;
-        }
-    });
-    EXPECT_TRUE(errors.isEmpty()) << errors.join(QStringLiteral("; ")).toStdString();
-    EXPECT_EQ(added.size(), kThreads * kPerThread);
-    EXPECT_EQ(taken.size(), added.size());  // every entry taken exactly once
-    EXPECT_EQ(QSet<qint64>(taken.begin(), taken.end()), QSet<qint64>(added.begin(), added.end()));
 }
 
 DB_BACKEND_TESTS(DbQueue);

@@ -115,11 +115,15 @@ TEST(BandLoader, MatchesTheTableOfTurnsForAnyBandSplit)
                         int32_t x = -7, y = -7;
                         size_t offset = 0;
                         for (size_t b = 0; b < bands.size(); ++b) {
+                            const bool last = b + 1 == bands.size();
                             load_band_of_pixmap(pm.get(), &x, &y, raster.data() + offset, int32_t(bands[b]), invert,
-                                                form == Form::Bits, side, b == 0, b + 1 == bands.size());
+                                                form == Form::Bits, side, b == 0, last);
                             offset += bands[b];
+                            if (!last) { // a quarter turn keeps the raster's size in the record until then
+                                ASSERT_EQ(width_of_pixmap(pm.get()), W);
+                            }
                         }
-                        ASSERT_EQ(assertion_count(capture), 0);
+                        ASSERT_EQ(capture.assertions(), 0);
                         // After the last band the record agrees with the leaf.
                         ASSERT_EQ(std::pair(width_of_pixmap(pm.get()), height_of_pixmap(pm.get())),
                                   std::pair(want.width, want.height));
@@ -137,147 +141,85 @@ TEST(BandLoader, MatchesTheTableOfTurnsForAnyBandSplit)
                 }
 }
 
-// A quarter turn keeps the raster's size in the record until the last band;
-// the first band sets the start of each side.
-TEST(BandLoaderTurn, TheRecordAndTheStartOfEachSide)
-{
-    for (int side : {2, 4}) {
-        SCOPED_TRACE(side);
-        PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 5, 3));
-        int32_t x = 0, y = 0;
-        const std::vector<uint8_t> line(5, 9);
-        for (int n = 0; n < 3; ++n) {
-            load_band_of_pixmap(pm.get(), &x, &y, line.data(), 5, false, false, side, n == 0, n == 2);
-            EXPECT_EQ(std::pair(width_of_pixmap(pm.get()), height_of_pixmap(pm.get())), n < 2 ? std::pair(5, 3) : std::pair(3, 5));
-            // The position names the next pixel in leaf coordinates.
-            if (n == 0) EXPECT_EQ(std::make_pair(x, y), side == 2 ? std::make_pair(1, 0) : std::make_pair(1, 4));
-        }
-        EXPECT_EQ(matte8_of_pixmap(pm.get())->width(), 3);
-    }
-    const std::pair<int, int> starts[] = {{0, 0}, {6, 0}, {3, 6}, {0, 3}}; // W = 4, H = 7
-    for (int side = 1; side <= 4; ++side) {
-        PixmapHolder pm(create_pixmap(PIXMAP_RGBA8, 4, 7));
-        int32_t x = 99, y = 99;
-        const uint8_t byte = 1;
-        // One byte is no whole pixel: nothing is stored, the start stays.
-        load_band_of_pixmap(pm.get(), &x, &y, &byte, 1, false, false, side, true, false);
-        EXPECT_EQ(std::make_pair(x, y), starts[side - 1]) << "side " << side;
-    }
-}
-
-TEST(BandLoaderRejects, BandsThatAreNotWholeLinesAreDroppedWhole)
-{
-    for (bool bits : {false, true}) {
-        SCOPED_TRACE(bits);
-        // 13-pixel lines: 13 grey bytes or 2 packed bytes a line.
-        const int line = bits ? 2 : 13;
-        PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 13, 4));
-        int32_t x = 0, y = 0;
-        std::vector<uint8_t> one_line(size_t(line), 0xFF);
-        load_band_of_pixmap(pm.get(), &x, &y, one_line.data(), line, false, bits, 3, true, false);
-        const std::vector<uint8_t> before(matte8_data_of_pixmap(pm.get()), matte8_data_of_pixmap(pm.get()) + 52);
-        const auto pos = std::make_pair(x, y);
-
-        MessageCapture capture;
-        std::vector<uint8_t> ragged(size_t(line + 1), 0x00);
-        load_band_of_pixmap(pm.get(), &x, &y, ragged.data(), int32_t(ragged.size()), false, bits, 3, false, false);
-        EXPECT_EQ(assertion_count(capture), 1);
-        EXPECT_EQ(std::make_pair(x, y), pos);
-        EXPECT_EQ(std::vector<uint8_t>(matte8_data_of_pixmap(pm.get()), matte8_data_of_pixmap(pm.get()) + 52),
-                  before);
-    }
-}
-
-// Bands past the end or from outside the raster, a wrong kind, peg side or
-// length: an assertion each, and nothing stored.
+// Bad calls: an assertion each, nothing stored and the position kept. The
+// raster is four 13-pixel lines (13 grey bytes or 2 packed bytes a line), its
+// first line stored.
 TEST(BandLoaderRejects, BadBandsStoreNothing)
 {
-    PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 4, 2));
-    int32_t x = 0, y = 0;
-    const std::vector<uint8_t> first_line(4, 1);
-    load_band_of_pixmap(pm.get(), &x, &y, first_line.data(), 4, false, false, 1, true, false);
-    const uint8_t *px = matte8_data_of_pixmap(pm.get());
-    const std::vector<uint8_t> before(px, px + 8);
+    struct Case {
+        const char *name;
+        bool bits;
+        int32_t x, y, length, side;
+    };
+    const Case cases[] = {
+        {"ragged grey", false, 0, 1, 14, 1},      {"ragged bits", true, 0, 1, 3, 1},
+        {"past the end", false, 0, 1, 52, 1},     {"below the raster", false, 0, 4, 13, 1},
+        {"left of the raster", false, -1, 0, 13, 1}, {"right of the raster", false, 13, 0, 13, 1},
+        {"within a line", false, 1, 1, 13, 1},    {"side 0", false, 0, 1, 13, 0},
+        {"side 5", false, 0, 1, 13, 5},           {"no bytes", false, 0, 1, 0, 1},
+    };
+    const std::vector<uint8_t> first(13, 0xFF), bytes(52, 7);
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 13, 4));
+        int32_t x = 0, y = 0;
+        load_band_of_pixmap(pm.get(), &x, &y, first.data(), c.bits ? 2 : 13, false, c.bits, 1, true, false);
+        const uint8_t *px = matte8_data_of_pixmap(pm.get());
+        const std::vector<uint8_t> before(px, px + 52);
+        MessageCapture capture;
+        x = c.x, y = c.y;
+        load_band_of_pixmap(pm.get(), &x, &y, bytes.data(), c.length, false, c.bits, c.side, false, false);
+        EXPECT_EQ(capture.assertions(), 1);
+        EXPECT_EQ(std::make_pair(x, y), std::make_pair(c.x, c.y));
+        EXPECT_EQ(std::vector<uint8_t>(px, px + 52), before);
+    }
 
     MessageCapture capture;
-    const std::vector<uint8_t> bytes(12, 7);
-    load_band_of_pixmap(pm.get(), &x, &y, bytes.data(), 8, false, false, 1, false, false);
-    EXPECT_EQ(std::make_pair(x, y), std::make_pair(0, 1));
-    // Positions outside the raster, and a grey band that starts within a line.
-    for (const auto &[px_x, px_y] : {std::make_pair(0, 2), std::make_pair(-1, 0), std::make_pair(4, 0),
-                                     std::make_pair(1, 1)}) {
-        x = px_x, y = px_y;
-        load_band_of_pixmap(pm.get(), &x, &y, bytes.data(), 4, false, false, 1, false, false);
-        EXPECT_EQ(std::make_pair(x, y), std::make_pair(px_x, px_y));
-    }
-    // A wrong peg side, and no bytes.
-    for (auto [side, length] : {std::pair(0, 4), {5, 4}, {1, 0}}) {
-        x = 3, y = 3;
-        load_band_of_pixmap(pm.get(), &x, &y, bytes.data(), length, false, false, side, true, true);
-        if (length) EXPECT_EQ(std::make_pair(x, y), std::make_pair(3, 3));
-    }
-    EXPECT_EQ(std::vector<uint8_t>(px, px + 8), before) << "nothing stored";
     PixmapHolder wide(create_pixmap(PIXMAP_MATTE16, 4, 1));
+    int32_t x = 0, y = 0;
     load_band_of_pixmap(wide.get(), &x, &y, bytes.data(), 4, false, false, 1, true, true);
     EXPECT_EQ(matte16_data_of_pixmap(wide.get())[0], 0);
-    EXPECT_EQ(assertion_count(capture), 9);
-
     // One-bit colour is read as RGB.
     PixmapHolder rgb(create_pixmap(PIXMAP_RGBA8, 2, 1));
     const uint8_t six[] = {1, 2, 3, 4, 5, 6};
-    x = y = 0;
     load_band_of_pixmap(rgb.get(), &x, &y, six, 6, false, true, 1, true, true);
-    EXPECT_EQ(assertion_count(capture), 10);
+    EXPECT_EQ(capture.assertions(), 2);
     EXPECT_EQ(rgba8_data_of_pixmap(rgb.get())[1], (CEL_RGBA8Pixel{4, 5, 6, 0}));
 }
 
-// A one-bit image 13 pixels wide, padded by Qt to 4 bytes a line.
-QImage mono_image()
+// Images read from files: one bit spread to 0 and 255 (lines padded by Qt to
+// four bytes), colour kept without its alpha; both turned like scans.
+TEST(PixmapFromQImage, MonoAndColourImagesAreTurnedLikeScans)
 {
-    QImage image(13, 3, QImage::Format_Mono);
-    image.fill(0);
+    QImage mono(13, 3, QImage::Format_Mono), colour(5, 4, QImage::Format_ARGB32);
     for (int y = 0; y < 3; ++y)
         for (int x = 0; x < 13; ++x)
-            image.setPixel(x, y, (x + 2 * y) % 3 == 0 ? 1 : 0);
-    return image;
-}
-
-TEST(PixmapFromQImage, MonoImageIsSpreadAndTurned)
-{
-    const QImage image = mono_image();
-    ASSERT_NE(image.bytesPerLine(), 2);
-    for (int side = 1; side <= 4; ++side) {
-        SCOPED_TRACE(side);
-        const auto leaf = UT_dynamicCast<CEL_PixmapMatte8>(pixmap_from_QImage(image, side));
-        ASSERT_TRUE(leaf);
-        ASSERT_EQ(leaf->width(), quarter(side) ? 3 : 13);
-        for (int j = 0; j < 3; ++j)
-            for (int i = 0; i < 13; ++i) {
-                const auto [x, y] = turned(side, 13, 3, i, j);
-                ASSERT_EQ(leaf->at(x, y), image.pixelIndex(i, j) ? 255 : 0) << i << "," << j;
-            }
-    }
-}
-
-TEST(PixmapFromQImage, ColourImageKeepsItsColoursAndTurns)
-{
-    QImage image(5, 4, QImage::Format_ARGB32);
+            mono.setPixel(x, y, (x + 2 * y) % 3 == 0 ? 1 : 0);
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 5; ++x)
-            image.setPixel(x, y, qRgba(40 * x, 50 * y, 7 * x + y, 128));
-    for (int side = 1; side <= 4; ++side) {
-        SCOPED_TRACE(side);
-        const auto leaf = UT_dynamicCast<CEL_PixmapRGBA8>(pixmap_from_QImage(image, side));
-        ASSERT_TRUE(leaf);
-        ASSERT_EQ(leaf->height(), quarter(side) ? 5 : 4);
+            colour.setPixel(x, y, qRgba(40 * x, 50 * y, 7 * x + y, 128));
+    ASSERT_NE(mono.bytesPerLine(), 2);
+    for (const QImage &image : {mono, colour}) {
         const QImage opaque = image.convertToFormat(QImage::Format_RGB32);
-        for (int j = 0; j < 4; ++j)
-            for (int i = 0; i < 5; ++i) {
-                const auto [x, y] = turned(side, 5, 4, i, j);
-                const QRgb want = opaque.pixel(i, j);
-                ASSERT_EQ(leaf->at(x, y),
-                          (CEL_RGBA8Pixel{uint8_t(qRed(want)), uint8_t(qGreen(want)), uint8_t(qBlue(want)), 0}));
-            }
+        const int W = image.width(), H = image.height();
+        for (int side = 1; side <= 4; ++side) {
+            SCOPED_TRACE(testing::Message() << W << " wide, side " << side);
+            const CEL_PixmapPtr leaf = pixmap_from_QImage(image, side);
+            const auto grey = UT_dynamicCast<CEL_PixmapMatte8>(leaf);
+            const auto rgba = UT_dynamicCast<CEL_PixmapRGBA8>(leaf);
+            ASSERT_TRUE(image.depth() == 1 ? bool(grey) : bool(rgba));
+            ASSERT_EQ(leaf->width(), quarter(side) ? H : W);
+            for (int j = 0; j < H; ++j)
+                for (int i = 0; i < W; ++i) {
+                    const auto [x, y] = turned(side, W, H, i, j);
+                    const QRgb c = opaque.pixel(i, j);
+                    const CEL_RGBA8Pixel want{uint8_t(qRed(c)), uint8_t(qGreen(c)), uint8_t(qBlue(c)), 0};
+                    if (grey)
+                        ASSERT_EQ(grey->at(x, y), image.pixelIndex(i, j) ? 255 : 0) << i << "," << j;
+                    else
+                        ASSERT_EQ(rgba->at(x, y), want) << i << "," << j;
+                }
+        }
     }
     EXPECT_FALSE(pixmap_from_QImage(QImage(), 1));
 }

@@ -1,34 +1,27 @@
+// A scanner's parameter groups: ranges checked when set up, the speed presets
+// and the drop colour's label.
 #include <gtest/gtest.h>
+
+#include <tuple>
 
 #include "scan/parameters.h"
 
-TEST(StandardParameters, InitialisersSetRangeDefaultAndCurrent) {
+TEST(StandardParameters, InitialisersSetTheRangeOrRefuseAndLeaveTheSetUnchanged) {
     Standard_parameters p;
-    EXPECT_FALSE(has_threshold_of_Standard_parameters(&p));
     ASSERT_TRUE(init_threshold_of_Standard_parameters(&p, 0, 255, 100));
-    EXPECT_TRUE(has_threshold_of_Standard_parameters(&p));
-    EXPECT_EQ(p.threshold_min, 0);
-    EXPECT_EQ(p.threshold_max, 255);
-    EXPECT_EQ(p.threshold_default, 100);
-    EXPECT_EQ(threshold_of_Standard_parameters(&p), 100);
+    EXPECT_EQ(std::tuple(p.threshold_min, p.threshold_max, p.threshold_default, threshold_of_Standard_parameters(&p)),
+              std::tuple(0, 255, 100, 100));
     set_threshold_of_Standard_parameters(&p, 300);  // the widget keeps the range, not the setter
-    EXPECT_EQ(threshold_of_Standard_parameters(&p), 300);
-    EXPECT_EQ(p.threshold_default, 100);
-
+    EXPECT_EQ(std::pair(threshold_of_Standard_parameters(&p), p.threshold_default), std::pair(300, 100));
     ASSERT_TRUE(init_gamma_of_Standard_parameters(&p, 0.01f, 3.0f, 1.0f));
     EXPECT_FLOAT_EQ(gamma_of_Standard_parameters(&p), 1.0f);
-    remove_gamma_of_Standard_parameters(&p);
-    EXPECT_FALSE(has_gamma_of_Standard_parameters(&p));
-}
 
-TEST(StandardParameters, InitialisersRefuseBadRangesAndLeaveTheSetUnchanged) {
-    Standard_parameters p;
-    EXPECT_FALSE(init_black_point_of_Standard_parameters(&p, -1, 255, 20));   // negative bound
-    EXPECT_FALSE(init_black_point_of_Standard_parameters(&p, 10, 10, 10));    // min not below max
-    EXPECT_FALSE(init_black_point_of_Standard_parameters(&p, 0, 255, 256));   // default outside
+    // A negative bound, min not below max, a default outside.
+    for (auto [min, max, value] : {std::tuple(-1, 255, 20), {10, 10, 10}, {0, 255, 256}})
+        EXPECT_FALSE(init_black_point_of_Standard_parameters(&p, min, max, value)) << min << " " << max << " " << value;
     EXPECT_FALSE(has_black_point_of_Standard_parameters(&p));
     EXPECT_EQ(p.black_point_current, -1);
-    EXPECT_TRUE(init_black_point_of_Standard_parameters(&p, 0, 255, 255));     // bounds included
+    EXPECT_TRUE(init_black_point_of_Standard_parameters(&p, 0, 255, 255));  // bounds included
     p.locked = true;
     EXPECT_FALSE(init_white_point_of_Standard_parameters(&p, 0, 255, 235));
     EXPECT_FALSE(has_white_point_of_Standard_parameters(&p));
@@ -37,9 +30,8 @@ TEST(StandardParameters, InitialisersRefuseBadRangesAndLeaveTheSetUnchanged) {
 
 TEST(StandardParameters, SpeedPresetsAndTheirState) {
     Standard_parameters p;
-    // Neither normal nor fast nor custom: refused.
+    // Neither normal nor fast nor custom, or a preset outside the range: refused.
     EXPECT_FALSE(init_speed_of_Standard_parameters(&p, 5, 300, 35, "Milliseconds/Line", false, 0, false, 0, false));
-    // A preset outside the range: refused.
     EXPECT_FALSE(init_speed_of_Standard_parameters(&p, 5, 300, 35, nullptr, true, 400, true, 35, true));
     EXPECT_FALSE(has_speed_of_Standard_parameters(&p));
 
@@ -52,35 +44,29 @@ TEST(StandardParameters, SpeedPresetsAndTheirState) {
     set_speed_of_Standard_parameters(&p, 100);
     EXPECT_TRUE(speed_is_custom_of_Standard_parameters(&p));
 
-    // Only custom: always custom.
-    Standard_parameters c;
-    ASSERT_TRUE(init_speed_of_Standard_parameters(&c, 5, 35000, 10, nullptr, false, 0, false, 0, true));
-    EXPECT_TRUE(c.speed_label.isNull());
-    EXPECT_TRUE(speed_is_custom_of_Standard_parameters(&c));
-
     // Normal and fast equal: normal wins, and it is not custom.
     Standard_parameters e;
     ASSERT_TRUE(init_speed_of_Standard_parameters(&e, 5, 300, 50, nullptr, true, 50, true, 50, false));
+    EXPECT_TRUE(e.speed_label.isNull());
     EXPECT_TRUE(speed_is_normal_of_Standard_parameters(&e));
     EXPECT_FALSE(speed_is_custom_of_Standard_parameters(&e));
 }
 
 TEST(StandardParameters, DropColourLabelIsCutOff) {
     Standard_parameters p;
-    EXPECT_TRUE(rgbDrop_of_Standard_parameters(&p).isNull());
     EXPECT_TRUE(init_rgbDrop_of_Standard_parameters(&p, {}));  // empty list: no change, no error
     EXPECT_FALSE(has_rgbDrop_of_Standard_parameters(&p));
+    EXPECT_TRUE(rgbDrop_of_Standard_parameters(&p).isNull());
 
     ASSERT_TRUE(init_rgbDrop_of_Standard_parameters(
         &p, {QStringLiteral("Red, 0, 100, 0, 100, 0, 100"), QStringLiteral("NoComma"), QStringLiteral("White,")}));
     EXPECT_EQ(rgbDrop_index_of_Standard_parameters(&p), 0);
-    EXPECT_EQ(rgbDrop_of_Standard_parameters(&p), QStringLiteral("0, 100, 0, 100, 0, 100"));
-    set_rgbDrop_index_of_Standard_parameters(&p, 1);
-    EXPECT_EQ(rgbDrop_of_Standard_parameters(&p), QStringLiteral("NoComma"));
-    set_rgbDrop_index_of_Standard_parameters(&p, 2);
-    const QString white = rgbDrop_of_Standard_parameters(&p);
-    EXPECT_TRUE(white.isEmpty());
-    EXPECT_FALSE(white.isNull());
+    const QString want[] = {QStringLiteral("0, 100, 0, 100, 0, 100"), QStringLiteral("NoComma"), QStringLiteral("")};
+    for (int i = 0; i < 3; ++i) {
+        set_rgbDrop_index_of_Standard_parameters(&p, i);
+        EXPECT_EQ(rgbDrop_of_Standard_parameters(&p), want[i]);
+        EXPECT_FALSE(rgbDrop_of_Standard_parameters(&p).isNull()) << i;
+    }
     set_rgbDrop_index_of_Standard_parameters(&p, -1);
     EXPECT_TRUE(rgbDrop_of_Standard_parameters(&p).isNull());
 }

@@ -31,6 +31,12 @@ public:
     bool contains(const std::string &text) const {
         return std::any_of(lines_.begin(), lines_.end(), [&](const auto &line) { return line.second == text; });
     }
+    // Internal assertions logged while the capture lived.
+    int assertions() const {
+        int n = 0;
+        for (const auto &[t, s] : lines_) n += s.starts_with("Internal assertion error detected (");
+        return n;
+    }
     void clear() { lines_.clear(); }
 
 private:

@@ -42,6 +42,12 @@ GR_BezierPath2d circle(Point2d centre, double radius, int points) {
     return path;
 }
 
+testing::AssertionResult near(Point2d got, Point2d want, double tolerance) {
+    if (std::abs(got.x - want.x) <= tolerance && std::abs(got.y - want.y) <= tolerance) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "(" << got.x << ", " << got.y << ") is not within " << tolerance << " of ("
+                                       << want.x << ", " << want.y << ")";
+}
+
 // Candidates of polygons on an empty mask, where refining leaves each
 // polygon's mean point as it is.
 PegCandidates candidates_of(const std::vector<GR_BezierPath2d> &polygons, const PegRegistrationOptions &o) {
@@ -75,15 +81,10 @@ TEST(PegCandidates, PointIsTheMeanOfAllPointsAndBothAreCalibrated) {
     PegRegistrationOptions o = options_at_200();
     o.calibX = 1.25;
     // 1600 px² is a round hole only; calibrated it is 2000, a slot as well.
-    const GR_BezierPath2d square = rectangle(100, 200, 40, 40);
-    PegCandidates found = candidates_of({square}, options_at_200());
-    EXPECT_EQ(found.side.size(), 0u);
-    found = candidates_of({square}, o);
-    ASSERT_EQ(found.center.size(), 1u);
-    ASSERT_EQ(found.side.size(), 1u);
+    const PegCandidates found = candidates_of({rectangle(100, 200, 40, 40)}, o);
+    ASSERT_EQ(std::pair(found.center.size(), found.side.size()), (std::pair<size_t, size_t>(1, 1)));
     // The closing point counts again: (100+140+140+100+100)/5, (200+200+240+240+200)/5.
-    EXPECT_DOUBLE_EQ(found.center[0].x, 116.0 * 1.25);
-    EXPECT_DOUBLE_EQ(found.center[0].y, 216.0);
+    EXPECT_EQ(found.center[0], (Point2d{116.0 * 1.25, 216.0}));
 }
 
 TEST(PegCandidates, RefinedPointIsTheGreyWeightedCentroidOfTheMask) {
@@ -98,15 +99,13 @@ TEST(PegCandidates, RefinedPointIsTheGreyWeightedCentroidOfTheMask) {
     // The polygon (3600 px², a slot) is larger so that its window holds the block.
     const PegCandidates found = peg_candidates({rectangle(90, 90, 60, 60)}, mask, grey, options_at_200());
     ASSERT_EQ(found.side.size(), 1u);
-    EXPECT_NEAR(found.side[0].x, (109.5 * 100 + 129.5 * 200) / 300.0, 1e-9);
-    EXPECT_NEAR(found.side[0].y, 119.5, 1e-9);
+    EXPECT_TRUE(near(found.side[0], {(109.5 * 100 + 129.5 * 200) / 300.0, 119.5}, 1e-9));
 }
 
 TEST(PegCandidates, RoundHolesAreFittedCirclesAndNeverSlots) {
     const GR_BezierPath2d hole = circle({150, 160}, 25.0, 72);
     PegCircle fit = fit_peg_circle(hole, 2.0, 1.0);
-    EXPECT_NEAR(fit.centre.x, 300.0, 1e-9);
-    EXPECT_NEAR(fit.centre.y, 160.0, 1e-9);
+    EXPECT_TRUE(near(fit.centre, {300, 160}, 1e-9));
     fit = fit_peg_circle(hole, 1.0, 1.0);
     EXPECT_NEAR(fit.radius, 25.0, 1e-9);
     EXPECT_NEAR(fit.variance, 0.0, 1e-9);
@@ -115,18 +114,15 @@ TEST(PegCandidates, RoundHolesAreFittedCirclesAndNeverSlots) {
     two.append({5, 5});
     two.append({9, 9});
     fit = fit_peg_circle(two, 1.0, 1.0);
-    EXPECT_EQ(fit.centre, (Point2d{0, 0}));
-    EXPECT_EQ(fit.radius, 0.0);
+    EXPECT_EQ(std::pair(fit.centre, fit.radius), std::pair(Point2d{0, 0}, 0.0));
 
     // π·25² ≈ 1963 is in the slot range too, but round-hole mode has no slots;
     // the candidate is the circle's centre, not the refined mean.
     PegRegistrationOptions o = options_at_200();
     o.centerPegHoles = true;
     const PegCandidates found = candidates_of({hole, rectangle(0, 0, 10, 10)}, o);
-    ASSERT_EQ(found.center.size(), 1u);
-    EXPECT_TRUE(found.side.empty());
-    EXPECT_NEAR(found.center[0].x, 150.0, 1e-9);
-    EXPECT_NEAR(found.center[0].y, 160.0, 1e-9);
+    ASSERT_EQ(std::pair(found.center.size(), found.side.size()), (std::pair<size_t, size_t>(1, 0)));
+    EXPECT_TRUE(near(found.center[0], {150, 160}, 1e-9));
 }
 
 // ---- decision ----
@@ -140,28 +136,29 @@ bool decide(const PegCandidates &k, const PegRegistrationOptions &o, Point2d out
     return decide_pegs(k, box, o, out[0], out[1], out[2]);
 }
 
+// Each side accepts only its own order of the ends, and needs a middle and two ends.
 TEST(PegDecision, EachSideAcceptsOnlyItsOwnOrderOfEnds) {
     const Point2d top{1000, 200}, bottom{1000, 1800}, centre{1000, 1000};
     struct Case {
         int side;
-        Point2d p, q, c;  // p, q in list order
+        PegCandidates k;
         bool fits;
         Point2d a, b;
     };
     const Case cases[] = {
-        {1, kLeft, kRight, kMiddle, true, kRight, kLeft},  {2, kRight, kLeft, kMiddle, true, kLeft, kRight},
-        {3, top, bottom, centre, true, bottom, top},       {4, bottom, top, centre, true, top, bottom},
-        {3, kLeft, kRight, kMiddle, false, {}, {}},        {1, top, bottom, centre, false, {}, {}},
-        {0, kLeft, kRight, kMiddle, false, {}, {}},
+        {1, {{kMiddle}, {kLeft, kRight}}, true, kRight, kLeft}, {2, {{kMiddle}, {kRight, kLeft}}, true, kLeft, kRight},
+        {3, {{centre}, {top, bottom}}, true, bottom, top},      {4, {{centre}, {bottom, top}}, true, top, bottom},
+        {3, {{kMiddle}, {kLeft, kRight}}, false, {}, {}},      {1, {{centre}, {top, bottom}}, false, {}, {}},
+        {0, {{kMiddle}, {kLeft, kRight}}, false, {}, {}},      {2, {{kMiddle}, {kLeft}}, false, {}, {}},
+        {2, {{}, {kLeft, kRight}}, false, {}, {}},
     };
-    for (const Case &c : cases) {
+    for (size_t i = 0; i < std::size(cases); ++i) {
+        const Case &c = cases[i];
         Point2d out[3];
-        const bool fits = decide({{c.c}, {c.p, c.q}}, options_at_200(c.side), out);
-        ASSERT_EQ(fits, c.fits) << "side " << c.side;
-        if (!fits) continue;
-        EXPECT_EQ(out[0], c.a) << "side " << c.side;
-        EXPECT_EQ(out[1], c.c);
-        EXPECT_EQ(out[2], c.b) << "side " << c.side;
+        ASSERT_EQ(decide(c.k, options_at_200(c.side), out), c.fits) << "case " << i;
+        if (c.fits) {
+            EXPECT_EQ(std::tuple(out[0], out[1], out[2]), std::tuple(c.a, c.k.center[0], c.b)) << "case " << i;
+        }
     }
 }
 
@@ -187,55 +184,44 @@ TEST(PegDecision, TolerancesAndTheirLooseness) {
     }
 }
 
-TEST(PegDecision, TooFewCandidatesFail) {
-    Point2d out[3];
-    EXPECT_FALSE(decide({{kMiddle}, {kLeft}}, options_at_200(), out));
-    EXPECT_FALSE(decide({{}, {kLeft, kRight}}, options_at_200(), out));
-    PegRegistrationOptions round = options_at_200();
-    round.centerPegHoles = true;
-    EXPECT_FALSE(decide({{kLeft, kRight}, {kLeft, kRight, kMiddle}}, round, out));
-}
-
-TEST(PegDecision, TwoFitsCloseTogetherAreDoubtAndStayDoubt) {
-    Point2d out[3];
-    EXPECT_FALSE(decide({{kMiddle, {1010, 1900}}, {kLeft, kRight}}, options_at_200(), out));
-    // With the count at 2 a far rival, even nearer the band's middle, cannot
-    // bring it back to one.
-    const Point2d farLeft{200, 900}, farMiddle{1000, 900}, farRight{1800, 900};
-    const Math::Box2d nearFar{0, 800, 2000, 1000};
-    EXPECT_FALSE(
-        decide({{kMiddle, {1010, 1900}, farMiddle}, {kLeft, kRight, farLeft, farRight}}, options_at_200(), out, nearFar));
-}
-
-TEST(PegDecision, AFarRivalWinsOnlyWhenNearerTheMiddleOfTheBand) {
-    // Two bars 1000 apart: whichever comes first in the lists, the one
-    // nearer the middle of the search box is the result.
+// Two fits close together are doubt, and stay doubt against a far rival even
+// nearer the band's middle. Of two bars 1000 apart, whichever comes first in
+// the lists, the one nearer the middle of the search box wins.
+TEST(PegDecision, RivalBars) {
     const Point2d farLeft{200, 900}, farMiddle{1000, 900}, farRight{1800, 900};
     const Math::Box2d farBand{0, 800, 2000, 1000};
-    const PegCandidates trueFirst{{kMiddle, farMiddle}, {kLeft, kRight, farLeft, farRight}};
-    const PegCandidates falseFirst{{farMiddle, kMiddle}, {farLeft, farRight, kLeft, kRight}};
-    for (const PegCandidates &k : {trueFirst, falseFirst}) {
-        Point2d out[3];
-        ASSERT_TRUE(decide(k, options_at_200(), out));
-        EXPECT_EQ(out[1], kMiddle);
-        ASSERT_TRUE(decide(k, options_at_200(), out, farBand));
-        EXPECT_EQ(out[1], farMiddle);
-    }
+    Point2d out[3];
+    EXPECT_FALSE(decide({{kMiddle, {1010, 1900}}, {kLeft, kRight}}, options_at_200(), out));
+    EXPECT_FALSE(
+        decide({{kMiddle, {1010, 1900}, farMiddle}, {kLeft, kRight, farLeft, farRight}}, options_at_200(), out, farBand));
+    for (const PegCandidates &k : {PegCandidates{{kMiddle, farMiddle}, {kLeft, kRight, farLeft, farRight}},
+                                   PegCandidates{{farMiddle, kMiddle}, {farLeft, farRight, kLeft, kRight}}})
+        for (auto [band, want] : {std::pair(kBottomBand, kMiddle), {farBand, farMiddle}}) {
+            ASSERT_TRUE(decide(k, options_at_200(), out, band));
+            EXPECT_EQ(out[1], want);
+        }
 }
 
+// Round holes span two pitches end to end, and are traced on request.
 TEST(PegDecision, RoundHolesSpanTwoPitches) {
     PegRegistrationOptions o = options_at_200();
     o.centerPegHoles = true;
+    o.rdebug = true;
     const Point2d left{200, 1900}, middle{1800, 1903}, right{3400, 1900};
     Point2d out[3];
+    testing::internal::CaptureStdout();
     ASSERT_TRUE(decide({{middle, right, left}, {}}, o, out));
-    EXPECT_EQ(out[0], left);
-    EXPECT_EQ(out[1], middle);
-    EXPECT_EQ(out[2], right);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Performing registration using only center pegs holes 3 center candidates\n"
+              "Point: 1800.000000 1903.000000\nPoint: 3400.000000 1900.000000\nPoint: 200.000000 1900.000000\n"
+              "Distances: 1600.002812 1600.002812 3200.000000\n");
+    EXPECT_EQ(std::tuple(out[0], out[1], out[2]), std::tuple(left, middle, right));
+    o.rdebug = false;
     // 8 off the line is the limit; a middle 9 off fails strict.
     EXPECT_FALSE(decide({{{1800, 1909}, right, left}, {}}, o, out));
-    // A normal-mode bar (one pitch end to end) is no round-hole bar.
+    // A normal-mode bar (one pitch end to end) is no round-hole bar; two holes are too few.
     EXPECT_FALSE(decide({{kLeft, kMiddle, kRight}, {}}, o, out));
+    EXPECT_FALSE(decide({{kLeft, kRight}, {kLeft, kRight, kMiddle}}, o, out));
 }
 
 TEST(PegSearchBox, BandOfEachSideIsInImagePixels) {
@@ -250,10 +236,7 @@ TEST(PegSearchBox, BandOfEachSideIsInImagePixels) {
     for (const auto &c : cases) {
         o.side = c.side;
         const Math::Box2d box = search_box_of_pegs(1000, 800, o);
-        EXPECT_EQ(box.x0, c.x0) << c.side;
-        EXPECT_EQ(box.y0, c.y0) << c.side;
-        EXPECT_EQ(box.x1, c.x1) << c.side;
-        EXPECT_EQ(box.y1, c.y1) << c.side;
+        EXPECT_EQ(std::tuple(box.x0, box.y0, box.x1, box.y1), std::tuple(c.x0, c.y0, c.x1, c.y1)) << c.side;
     }
 }
 
@@ -298,42 +281,42 @@ CEL_PixmapPtr matte8_of(const QImage &page) {
     return pixmap;
 }
 
+struct Found {
+    bool ok = false;
+    float x = -1, y = -1, angle = -1;
+};
+Found register_at_200(const CEL_PixmapPtr &picture, int side) {
+    Found f;
+    f.ok = optical_registration(picture, &f.x, &f.y, &f.angle, 0.5, 200, side, 1.0, 8.0, 2.0, 1);
+    return f;
+}
+
+// Grey pages on every side, and a colour one searched in grey; a failure
+// leaves zeros.
 TEST(OpticalRegistration, FindsTheMiddleHoleAndTheTurnOnEverySide) {
     const double turn = 0.4 * std::numbers::pi / 180.0;
     const double tolerance = 0.01 * std::numbers::pi / 180.0;
     for (int side = 1; side <= 4; ++side) {
-        float x = -1, y = -1, angle = -1;
-        ASSERT_TRUE(optical_registration(matte8_of(punched_page(side, turn)), &x, &y, &angle, 0.5, 200, side, 1.0,
-                                         8.0, 2.0, 1))
-            << "side " << side;
-        const Point2d middle = middle_of_side(side);
-        EXPECT_NEAR(x, middle.x, 0.25) << "side " << side;
-        EXPECT_NEAR(y, middle.y, 0.25) << "side " << side;
+        const Found f = register_at_200(matte8_of(punched_page(side, turn)), side);
+        ASSERT_TRUE(f.ok) << "side " << side;
+        EXPECT_TRUE(near({f.x, f.y}, middle_of_side(side), 0.25)) << "side " << side;
         // The top bar runs right to left: its corrected angle is left near -2π.
-        EXPECT_NEAR(angle, side == 1 ? turn - 2.0 * std::numbers::pi : turn, tolerance) << "side " << side;
+        EXPECT_NEAR(f.angle, side == 1 ? turn - 2.0 * std::numbers::pi : turn, tolerance) << "side " << side;
     }
     // Turned the other way, the top bar's angle lands near 0.
-    float x, y, angle;
-    ASSERT_TRUE(optical_registration(matte8_of(punched_page(1, -turn)), &x, &y, &angle, 0.5, 200, 1, 1.0, 8.0, 2.0, 1));
-    EXPECT_NEAR(angle, -turn, tolerance);
-}
+    EXPECT_NEAR(register_at_200(matte8_of(punched_page(1, -turn)), 1).angle, -turn, tolerance);
 
-TEST(OpticalRegistration, ColourPicturesAreSearchedInGreyAndFailuresLeaveZeros) {
     const QImage page = punched_page(2, 0.0).convertToFormat(QImage::Format_RGBA8888);
     auto colour = UT_makeShared<CEL_PixmapRGBA8>(page.width(), page.height());
     for (int y = 0; y < page.height(); ++y)
         std::memcpy(colour->row(y), page.constScanLine(y), static_cast<size_t>(page.width()) * 4);
-    float x, y, angle;
-    ASSERT_TRUE(optical_registration(colour, &x, &y, &angle, 0.5, 200, 2, 1.0, 8.0, 2.0, 1));
-    EXPECT_NEAR(x, 1000.0, 0.25);
-    EXPECT_NEAR(y, 1900.0, 0.25);
-
-    EXPECT_FALSE(optical_registration(CEL_PixmapPtr(), &x, &y, &angle, 0.5, 200, 2, 1.0, 8.0, 2.0, 1));
+    const Found f = register_at_200(colour, 2);
+    ASSERT_TRUE(f.ok);
+    EXPECT_TRUE(near({f.x, f.y}, {1000, 1900}, 0.25));
+    EXPECT_FALSE(register_at_200(CEL_PixmapPtr(), 2).ok);
     // The bar is on the bottom edge; the top band has nothing.
-    EXPECT_FALSE(optical_registration(colour, &x, &y, &angle, 0.5, 200, 1, 1.0, 8.0, 2.0, 1));
-    EXPECT_EQ(x, 0.0f);
-    EXPECT_EQ(y, 0.0f);
-    EXPECT_EQ(angle, 0.0f);
+    const Found none = register_at_200(colour, 1);
+    EXPECT_EQ(std::tuple(none.ok, none.x, none.y, none.angle), std::tuple(false, 0.0f, 0.0f, 0.0f));
 }
 
 BM_GreyMap inverted_grey(const QImage &page) {
@@ -360,22 +343,11 @@ TEST(LocatePegs, CalibratedSearchReturnsImagePixelsWithYUpAndTracesOnRequest) {
               "Performing optical registration. Looseness factor is 2.000000\nCalibration values: 1.250000 0.800000\n");
     const double up = kPage - 1900.0;
     const Point2d want[3] = {{1000 - 640, up}, {1000, up}, {1000 + 640, up}};
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_NEAR(points[i].x, want[i].x, 0.25) << i;
-        EXPECT_NEAR(points[i].y, want[i].y, 0.25) << i;
-    }
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(near(points[i], want[i], 0.25)) << i;
     EXPECT_NE(out.find("Found a center peg candidate at: ("), std::string::npos) << out;
     EXPECT_NE(out.find("Found a side peg candidate at coordinates ("), std::string::npos);
     EXPECT_EQ(out.find("Distances"), std::string::npos);  // round holes only
 
-    o.centerPegHoles = true;
-    testing::internal::CaptureStdout();
-    ASSERT_TRUE(decide_pegs({{{200, 1900}, {1800, 1900}, {3400, 1900}}, {}}, kBottomBand, o, points[0], points[1],
-                            points[2]));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "Performing registration using only center pegs holes 3 center candidates\n"
-              "Point: 200.000000 1900.000000\nPoint: 1800.000000 1900.000000\nPoint: 3400.000000 1900.000000\n"
-              "Distances: 1600.000000 1600.000000 3200.000000\n");
 }
 
 }  // namespace

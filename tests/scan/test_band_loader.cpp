@@ -212,6 +212,9 @@ TEST(PixmapFromQImage, MonoAndColourImagesAreTurnedLikeScans)
             for (int j = 0; j < H; ++j)
                 for (int i = 0; i < W; ++i) {
                     const auto [x, y] = turned(side, W, H, i, j);
+                    // The continuous form of the turn, as the registration charts use it.
+                    const QPointF centre = turn_of_peg_side(side, W, H).map(QPointF(i + 0.5, j + 0.5));
+                    ASSERT_EQ(centre, QPointF(x + 0.5, y + 0.5)) << i << "," << j;
                     const QRgb c = opaque.pixel(i, j);
                     const CEL_RGBA8Pixel want{uint8_t(qRed(c)), uint8_t(qGreen(c)), uint8_t(qBlue(c)), 0};
                     if (grey)

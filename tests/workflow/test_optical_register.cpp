@@ -86,18 +86,9 @@ TEST_F(OpticalTest, GreyScanIsTurnedSquareAndCutToTheFieldPastThePegStrip) {
     EXPECT_EQ(differences, 0);
 }
 
-TEST_F(OpticalTest, BlackAndWhiteIsLeftWholeForTheVectorizerWithItsTurnRecorded) {
-    startOptical(DEPTH_BW);
-    Drawing *d = scan("1");
-    ASSERT_NE(d, nullptr);
-    EXPECT_EQ(size(d), QSize(1050, 1300)) << "the sheet as the scanner gave it";
-    const LMV_scaninfo *si = scaninfo_of_Drawing(d);
-    EXPECT_NE(si->rotation_angle, 0.0f);
-    EXPECT_GT(si->rotation_center_x, 0.0f);
-    EXPECT_NEAR(si->rotation_center_y, 650.0f, 0.25 * 100) << "the centre hole is near the middle of the side";
-}
-
-TEST_F(OpticalTest, InAProductionOnlyElementsThatAreVectorizedStayWhole) {
+// Scans for the vectorizer stay whole: in a production, the elements that
+// are vectorized; anywhere, black and white, with its turn recorded.
+TEST_F(OpticalTest, ScansForTheVectorizerStayWhole) {
     ScanConfig *c = startOptical(DEPTH_GREY);
     set_optical_of_ScanConfig(c, false);
     Drawing *d = scan("1");
@@ -112,6 +103,15 @@ TEST_F(OpticalTest, InAProductionOnlyElementsThatAreVectorizedStayWhole) {
     ASSERT_NE(RegisterScan(c), 0);
     EXPECT_EQ(size(d), QSize(900, 1200));
     c->database = false;
+
+    set_depth_of_ScanConfig(c, DEPTH_BW);
+    d = scan("2");
+    ASSERT_NE(d, nullptr);
+    EXPECT_EQ(size(d), QSize(1050, 1300)) << "the sheet as the scanner gave it";
+    const LMV_scaninfo *si = scaninfo_of_Drawing(d);
+    EXPECT_NE(si->rotation_angle, 0.0f);
+    EXPECT_GT(si->rotation_center_x, 0.0f);
+    EXPECT_NEAR(si->rotation_center_y, 650.0f, 0.25 * 100) << "the centre hole is near the middle of the side";
 }
 
 }  // namespace

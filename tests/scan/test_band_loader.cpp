@@ -4,6 +4,7 @@
 
 #include <QImage>
 
+#include <cstring>
 #include <random>
 #include <vector>
 
@@ -39,38 +40,37 @@ std::vector<uint8_t> make_raster(Form form, int W, int H, std::mt19937 &rng)
     return raster;
 }
 
-// The expected leaf, built one pixel at a time from the table of turns.
-struct Expected {
-    int width = 0, height = 0;
-    std::vector<CEL_RGBA8Pixel> rgba;
-    std::vector<uint8_t> grey;
-};
-
-Expected model(Form form, const std::vector<uint8_t> &raster, int W, int H, int side, bool invert)
+// The expected leaf, built one pixel at a time from the table of turns: grey
+// levels, or the RGBA bytes of a pixel read as one little-endian word.
+std::vector<uint32_t> model(Form form, const std::vector<uint8_t> &raster, int W, int H, int side, bool invert)
 {
-    Expected e;
-    e.width = quarter(side) ? H : W;
-    e.height = quarter(side) ? W : H;
-    const uint8_t m = invert ? 0xFF : 0;
-    if (form == Form::Rgb)
-        e.rgba.resize(size_t(W * H));
-    else
-        e.grey.resize(size_t(W * H));
+    std::vector<uint32_t> leaf(size_t(W * H));
+    const uint32_t m = invert ? 0xFF : 0;
     for (int j = 0; j < H; ++j)
         for (int i = 0; i < W; ++i) {
             const auto [x, y] = turned(side, W, H, i, j);
-            const size_t at = size_t(y * e.width + x);
-            if (form == Form::Rgb) {
-                const uint8_t *p = &raster[size_t(3 * (j * W + i))];
-                e.rgba[at] = {uint8_t(p[0] ^ m), uint8_t(p[1] ^ m), uint8_t(p[2] ^ m), 0};
-            } else if (form == Form::Grey) {
-                e.grey[at] = raster[size_t(j * W + i)] ^ m;
-            } else {
-                const bool bit = raster[size_t(j * packed_line(W) + i / 8)] & (0x80 >> (i % 8));
-                e.grey[at] = bit != invert ? 255 : 0;
-            }
+            uint32_t &px = leaf[size_t(y * (quarter(side) ? H : W) + x)];
+            if (form == Form::Rgb)
+                for (int c = 0; c < 3; ++c)
+                    px |= (raster[size_t(3 * (j * W + i) + c)] ^ m) << (8 * c);
+            else if (form == Form::Grey)
+                px = raster[size_t(j * W + i)] ^ m;
+            else
+                px = bool(raster[size_t(j * packed_line(W) + i / 8)] & (0x80 >> (i % 8))) != invert ? 255 : 0;
         }
-    return e;
+    return leaf;
+}
+
+std::vector<uint32_t> pixels_of(const CEL_PixmapPtr &leaf)
+{
+    std::vector<uint32_t> out(leaf->pixelCount());
+    const auto *bytes = static_cast<const uint8_t *>(leaf->rawData());
+    for (size_t k = 0; k < out.size(); ++k)
+        if (leaf->bytesPerPixel() == 4)
+            std::memcpy(&out[k], bytes + 4 * k, 4);
+        else
+            out[k] = bytes[k];
+    return out;
 }
 
 // Random band lengths as a driver might send them: any whole number of RGB
@@ -107,7 +107,8 @@ TEST(BandLoader, MatchesTheTableOfTurnsForAnyBandSplit)
                                                     << (invert ? " inverted" : ""));
                     std::mt19937 rng(uint32_t(W * 7919 + H * 31 + side * 3 + invert));
                     const auto raster = make_raster(form, W, H, rng);
-                    const Expected want = model(form, raster, W, H, side, invert);
+                    const auto want = model(form, raster, W, H, side, invert);
+                    const auto size = quarter(side) ? std::pair(H, W) : std::pair(W, H);
                     for (int round = 0; round < 3; ++round) {
                         MessageCapture capture;
                         PixmapHolder pm(create_pixmap(form == Form::Rgb ? PIXMAP_RGBA8 : PIXMAP_MATTE8, W, H));
@@ -125,18 +126,10 @@ TEST(BandLoader, MatchesTheTableOfTurnsForAnyBandSplit)
                         }
                         ASSERT_EQ(capture.assertions(), 0);
                         // After the last band the record agrees with the leaf.
-                        ASSERT_EQ(std::pair(width_of_pixmap(pm.get()), height_of_pixmap(pm.get())),
-                                  std::pair(want.width, want.height));
+                        ASSERT_EQ(std::pair(width_of_pixmap(pm.get()), height_of_pixmap(pm.get())), size);
                         const CEL_PixmapPtr leaf = best_of_pixmap(pm.get());
-                        ASSERT_TRUE(leaf);
-                        ASSERT_EQ(std::pair(leaf->width(), leaf->height()), std::pair(want.width, want.height));
-                        if (form == Form::Rgb) {
-                            const CEL_RGBA8Pixel *got = rgba8_data_of_pixmap(pm.get());
-                            ASSERT_EQ(std::vector<CEL_RGBA8Pixel>(got, got + want.rgba.size()), want.rgba);
-                        } else {
-                            const uint8_t *got = matte8_data_of_pixmap(pm.get());
-                            ASSERT_EQ(std::vector<uint8_t>(got, got + want.grey.size()), want.grey);
-                        }
+                        ASSERT_EQ(std::pair(leaf->width(), leaf->height()), size);
+                        ASSERT_EQ(pixels_of(leaf), want);
                     }
                 }
 }
@@ -188,40 +181,32 @@ TEST(BandLoaderRejects, BadBandsStoreNothing)
 }
 
 // Images read from files: one bit spread to 0 and 255 (lines padded by Qt to
-// four bytes), colour kept without its alpha; both turned like scans.
+// four bytes), colour kept without its alpha; both turned like scans, as the
+// continuous turn that registration charts use has it too.
 TEST(PixmapFromQImage, MonoAndColourImagesAreTurnedLikeScans)
 {
-    QImage mono(13, 3, QImage::Format_Mono), colour(5, 4, QImage::Format_ARGB32);
-    for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 13; ++x)
-            mono.setPixel(x, y, (x + 2 * y) % 3 == 0 ? 1 : 0);
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 5; ++x)
-            colour.setPixel(x, y, qRgba(40 * x, 50 * y, 7 * x + y, 128));
-    ASSERT_NE(mono.bytesPerLine(), 2);
-    for (const QImage &image : {mono, colour}) {
-        const QImage opaque = image.convertToFormat(QImage::Format_RGB32);
-        const int W = image.width(), H = image.height();
+    std::mt19937 rng(5);
+    const int W = 13, H = 3;
+    for (Form form : {Form::Bits, Form::Rgb}) {
+        const auto raster = make_raster(form, W, H, rng);
+        QImage image(W, H, form == Form::Bits ? QImage::Format_Mono : QImage::Format_ARGB32);
+        for (int j = 0; j < H; ++j)
+            for (int i = 0; i < W; ++i) {
+                const size_t k = size_t(3 * (j * W + i)), bit = size_t(j * packed_line(W) + i / 8);
+                image.setPixel(i, j, form == Form::Bits ? uint(raster[bit] >> (7 - i % 8) & 1)
+                                                        : qRgba(raster[k], raster[k + 1], raster[k + 2], 128));
+            }
+        ASSERT_TRUE(form != Form::Bits || image.bytesPerLine() != packed_line(W));
         for (int side = 1; side <= 4; ++side) {
-            SCOPED_TRACE(testing::Message() << W << " wide, side " << side);
+            SCOPED_TRACE(testing::Message() << "form " << int(form) << " side " << side);
             const CEL_PixmapPtr leaf = pixmap_from_QImage(image, side);
-            const auto grey = UT_dynamicCast<CEL_PixmapMatte8>(leaf);
-            const auto rgba = UT_dynamicCast<CEL_PixmapRGBA8>(leaf);
-            ASSERT_TRUE(image.depth() == 1 ? bool(grey) : bool(rgba));
+            ASSERT_TRUE(leaf);
             ASSERT_EQ(leaf->width(), quarter(side) ? H : W);
-            for (int j = 0; j < H; ++j)
-                for (int i = 0; i < W; ++i) {
-                    const auto [x, y] = turned(side, W, H, i, j);
-                    // The continuous form of the turn, as the registration charts use it.
-                    const QPointF centre = turn_of_peg_side(side, W, H).map(QPointF(i + 0.5, j + 0.5));
-                    ASSERT_EQ(centre, QPointF(x + 0.5, y + 0.5)) << i << "," << j;
-                    const QRgb c = opaque.pixel(i, j);
-                    const CEL_RGBA8Pixel want{uint8_t(qRed(c)), uint8_t(qGreen(c)), uint8_t(qBlue(c)), 0};
-                    if (grey)
-                        ASSERT_EQ(grey->at(x, y), image.pixelIndex(i, j) ? 255 : 0) << i << "," << j;
-                    else
-                        ASSERT_EQ(rgba->at(x, y), want) << i << "," << j;
-                }
+            EXPECT_EQ(pixels_of(leaf), model(form, raster, W, H, side, false));
+            for (auto [i, j] : {std::pair(0, 0), {W - 1, 0}, {0, H - 1}}) {
+                const auto [x, y] = turned(side, W, H, i, j);
+                EXPECT_EQ(turn_of_peg_side(side, W, H).map(QPointF(i + 0.5, j + 0.5)), QPointF(x + 0.5, y + 0.5));
+            }
         }
     }
     EXPECT_FALSE(pixmap_from_QImage(QImage(), 1));

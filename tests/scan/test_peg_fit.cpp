@@ -72,32 +72,29 @@ TEST(PegCandidates, AreaLimitsAt200DpiAreStrictAndUseTheFloat64Factors) {
     };
     for (const Case &c : cases) {
         const PegCandidates found = candidates_of({rectangle(10, 10, c.w, c.h)}, options_at_200());
-        EXPECT_EQ(found.center.size(), c.centre ? 1u : 0u) << c.w * c.h;
-        EXPECT_EQ(found.side.size(), c.side ? 1u : 0u) << c.w * c.h;
+        EXPECT_EQ(std::pair(found.center.size(), found.side.size()), std::pair(size_t(c.centre), size_t(c.side)))
+            << c.w * c.h;
     }
 }
 
-TEST(PegCandidates, PointIsTheMeanOfAllPointsAndBothAreCalibrated) {
+// On an empty mask the point is the mean of all points, calibrated like the
+// area; on a mask it is the grey-weighted centroid of the masked pixels.
+TEST(PegCandidates, PointIsTheMeanOfAllPointsOrTheCentroidOfTheMask) {
     PegRegistrationOptions o = options_at_200();
     o.calibX = 1.25;
     // 1600 px² is a round hole only; calibrated it is 2000, a slot as well.
-    const PegCandidates found = candidates_of({rectangle(100, 200, 40, 40)}, o);
+    PegCandidates found = candidates_of({rectangle(100, 200, 40, 40)}, o);
     ASSERT_EQ(std::pair(found.center.size(), found.side.size()), (std::pair<size_t, size_t>(1, 1)));
     // The closing point counts again: (100+140+140+100+100)/5, (200+200+240+240+200)/5.
     EXPECT_EQ(found.center[0], (Point2d{116.0 * 1.25, 216.0}));
-}
 
-TEST(PegCandidates, RefinedPointIsTheGreyWeightedCentroidOfTheMask) {
     BM_MaskMap mask(400, 400);
     BM_GreyMap grey(400, 400);
     // A bright 40 x 40 block with a brighter right half pulls the point right.
     for (int y = 100; y < 140; ++y)
-        for (int x = 100; x < 140; ++x) {
-            mask.set(x, y, 1);
-            grey.set(x, y, x < 120 ? 100 : 200);
-        }
+        for (int x = 100; x < 140; ++x) mask.set(x, y, 1), grey.set(x, y, x < 120 ? 100 : 200);
     // The polygon (3600 px², a slot) is larger so that its window holds the block.
-    const PegCandidates found = peg_candidates({rectangle(90, 90, 60, 60)}, mask, grey, options_at_200());
+    found = peg_candidates({rectangle(90, 90, 60, 60)}, mask, grey, options_at_200());
     ASSERT_EQ(found.side.size(), 1u);
     EXPECT_TRUE(near(found.side[0], {(109.5 * 100 + 129.5 * 200) / 300.0, 119.5}, 1e-9));
 }
@@ -109,8 +106,7 @@ TEST(PegCandidates, RoundHolesAreFittedCirclesAndNeverSlots) {
     fit = fit_peg_circle(hole, 1.0, 1.0);
     EXPECT_NEAR(fit.radius, 25.0, 1e-9);
     EXPECT_NEAR(fit.variance, 0.0, 1e-9);
-
-    GR_BezierPath2d two;
+    GR_BezierPath2d two;  // fewer than three points
     two.append({5, 5});
     two.append({9, 9});
     fit = fit_peg_circle(two, 1.0, 1.0);
@@ -291,8 +287,8 @@ Found register_at_200(const CEL_PixmapPtr &picture, int side) {
     return f;
 }
 
-// Grey pages on every side, and a colour one searched in grey; a failure
-// leaves zeros.
+// Colour pages, failures and other resolutions are measured on the test
+// scanner's chart; here, the angle each side's bar comes back with.
 TEST(OpticalRegistration, FindsTheMiddleHoleAndTheTurnOnEverySide) {
     const double turn = 0.4 * std::numbers::pi / 180.0;
     const double tolerance = 0.01 * std::numbers::pi / 180.0;
@@ -305,18 +301,7 @@ TEST(OpticalRegistration, FindsTheMiddleHoleAndTheTurnOnEverySide) {
     }
     // Turned the other way, the top bar's angle lands near 0.
     EXPECT_NEAR(register_at_200(matte8_of(punched_page(1, -turn)), 1).angle, -turn, tolerance);
-
-    const QImage page = punched_page(2, 0.0).convertToFormat(QImage::Format_RGBA8888);
-    auto colour = UT_makeShared<CEL_PixmapRGBA8>(page.width(), page.height());
-    for (int y = 0; y < page.height(); ++y)
-        std::memcpy(colour->row(y), page.constScanLine(y), static_cast<size_t>(page.width()) * 4);
-    const Found f = register_at_200(colour, 2);
-    ASSERT_TRUE(f.ok);
-    EXPECT_TRUE(near({f.x, f.y}, {1000, 1900}, 0.25));
     EXPECT_FALSE(register_at_200(CEL_PixmapPtr(), 2).ok);
-    // The bar is on the bottom edge; the top band has nothing.
-    const Found none = register_at_200(colour, 1);
-    EXPECT_EQ(std::tuple(none.ok, none.x, none.y, none.angle), std::tuple(false, 0.0f, 0.0f, 0.0f));
 }
 
 BM_GreyMap inverted_grey(const QImage &page) {

@@ -37,7 +37,6 @@ int count_cracks(const BM_MaskMap &mask) {
     return n;
 }
 
-
 // The boundary walk as plainly as it can be put: every pixel of a row looked
 // at (bytes that are all clear passed over), two walked-crack bits a pixel,
 // and each move tested against the cracks' codes.
@@ -188,15 +187,11 @@ TEST(PegMask, ThinningMatchesTheLabellingSweep) {
 // a limit keeps the scan to its rows and columns, inclusive.
 TEST(ContourTracer, FrameOfTwoPixelsIsClearedAndLimitsHold) {
     BM_MaskMap mask(16, 16);
-    mask.set(1, 8, 1);
-    mask.set(14, 8, 1);
-    mask.set(8, 0, 1);
-    mask.set(8, 15, 1);
+    for (auto [x, y] : {std::pair(1, 8), {14, 8}, {8, 0}, {8, 15}}) mask.set(x, y, 1);
     EXPECT_TRUE(trace(mask).empty());
     EXPECT_EQ(count_cracks(mask), 0);
 
-    mask.set(2, 2, 1);
-    mask.set(13, 13, 1);
+    mask.set(2, 2, 1), mask.set(13, 13, 1);
     const auto both = trace(mask);
     ASSERT_EQ(both.size(), 2u);
     EXPECT_EQ(both[0].points(), (std::vector<Math::Point2d>{{2.5, 3}, {2, 2.5}, {2.5, 2}, {3, 2.5}, {2.5, 3}}));
@@ -298,8 +293,7 @@ TEST(PegSearch, QuickPathsEqualPlainOnes) {
             const int bw = static_cast<int>(b.width() + 0.5), bh = static_cast<int>(b.height() + 0.5);
             const Math::Point2d fromWhole = refine_dot(whole, grey, at, bw, bh);
             const Math::Point2d fromBandMask = refine_dot(band, bandGrey, at, bw, bh);
-            ASSERT_EQ(fromBandMask.x, fromWhole.x);
-            ASSERT_EQ(fromBandMask.y, fromWhole.y);
+            ASSERT_EQ(std::pair(fromBandMask.x, fromBandMask.y), std::pair(fromWhole.x, fromWhole.y));
         }
     }
 }
@@ -333,17 +327,13 @@ TEST(RefineDot, EqualsAPlainSweepToTheBit) {
         const int y1 = std::min(static_cast<int>(std::ceil(at.y + height / 2)), h - 1);
         double weight = 0.0, sumX = 0.0, sumY = 0.0;
         for (int y = y0; y <= y1; ++y)
-            for (int x = x0; x <= x1; ++x)
-                if (mask.get(x, y)) {
-                    const double g = grey.get(x, y) / 255.0;
-                    weight += g;
-                    sumX += g * x;
-                    sumY += g * y;
-                }
+            for (int x = x0; x <= x1; ++x) {
+                const double g = mask.get(x, y) ? grey.get(x, y) / 255.0 : 0.0;
+                weight += g, sumX += g * x, sumY += g * y;
+            }
         const bool outside = at.x < 0 || at.y < 0 || at.x >= w || at.y >= h;
         const Math::Point2d want = weight == 0.0 || outside ? at : Math::Point2d{sumX / weight, sumY / weight};
         const Math::Point2d got = refine_dot(mask, grey, at, width, height);
-        ASSERT_EQ(got.x, want.x) << "round " << round;
-        ASSERT_EQ(got.y, want.y) << "round " << round;
+        ASSERT_EQ(std::pair(got.x, got.y), std::pair(want.x, want.y)) << "round " << round;
     }
 }

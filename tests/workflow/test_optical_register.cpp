@@ -3,6 +3,7 @@
 #include "session_fixture.h"
 
 #include <QImage>
+#include <QScopeGuard>
 
 #include <cstdlib>
 #include <numbers>
@@ -17,46 +18,29 @@
 
 namespace {
 
-class OpticalTest : public SessionTest {
-protected:
-    void SetUp() override {
-        SessionTest::SetUp();
-        // The same known skew for every sheet of the test.
-        writeFile(QStringLiteral("DUMMY_XYR_OFFSET_FILE"), "0.04,-0.03,0.7\n");
-    }
-    void TearDown() override {
-        qunsetenv("LMV_SCAN_KEEP_PEGS");
-        SessionTest::TearDown();
-    }
+QSize size(Drawing *d) { return {width_of_pixmap(pixmap_of_Drawing(d)), height_of_pixmap(pixmap_of_Drawing(d))}; }
 
-    // The test scanner at 100 dpi, field 12, pegs on the left, one drawing per
-    // press with optical registration.
-    ScanConfig *startOptical(int depth) {
-        ScanConfig *c = start(block("Test", "Bogus-Color"));
-        set_dpi_of_ScanConfig(c, 100);
-        set_depth_of_ScanConfig(c, depth);
-        set_peg_side_of_ScanConfig(c, PEG_LEFT);
-        set_feed_of_ScanConfig(c, FEED_PEGGED_MANY);
-        set_optical_of_ScanConfig(c, true);
-        return c;
-    }
-    Drawing *scan(const QString &name) {
+QImage grey(Drawing *d) {
+    QImage image;
+    image_of_pixmap(pixmap_of_Drawing(d), &image);
+    return image.convertToFormat(QImage::Format_Grayscale8);
+}
+
+// The test scanner at 100 dpi, field 12, pegs on the left, one drawing per
+// press with optical registration, every sheet fed with the same known skew.
+TEST_F(SessionTest, OpticalRegistrationCutsWhichScansToTheFieldAndWhere) {
+    writeFile(QStringLiteral("DUMMY_XYR_OFFSET_FILE"), "0.04,-0.03,0.7\n");
+    const auto scan = [this](const QString &name) {
         list({name});
         ScanDrawingList(config_);
         return drawing_of_ScanConfig(config_);
-    }
-    static QSize size(Drawing *d) {
-        return {width_of_pixmap(pixmap_of_Drawing(d)), height_of_pixmap(pixmap_of_Drawing(d))};
-    }
-    static QImage grey(Drawing *d) {
-        QImage image;
-        image_of_pixmap(pixmap_of_Drawing(d), &image);
-        return image.convertToFormat(QImage::Format_Grayscale8);
-    }
-};
-
-TEST_F(OpticalTest, GreyScanIsTurnedSquareAndCutToTheFieldPastThePegStrip) {
-    startOptical(DEPTH_GREY);
+    };
+    ScanConfig *c = start(block("Test", "Bogus-Color"));
+    set_dpi_of_ScanConfig(c, 100);
+    set_depth_of_ScanConfig(c, DEPTH_GREY);
+    set_peg_side_of_ScanConfig(c, PEG_LEFT);
+    set_feed_of_ScanConfig(c, FEED_PEGGED_MANY);
+    set_optical_of_ScanConfig(c, true);
     Drawing *cut = scan("1");
     ASSERT_NE(cut, nullptr);
     EXPECT_EQ(size(cut), QSize(900, 1200));
@@ -70,6 +54,7 @@ TEST_F(OpticalTest, GreyScanIsTurnedSquareAndCutToTheFieldPastThePegStrip) {
     // Kept, the strip puts the centre hole half on the left edge, centred on
     // the middle row, and everything else three quarters of an inch further in.
     qputenv("LMV_SCAN_KEEP_PEGS", "1");
+    auto keepPegs = qScopeGuard([] { qunsetenv("LMV_SCAN_KEEP_PEGS"); });
     Drawing *kept = scan("2");
     ASSERT_NE(kept, nullptr);
     EXPECT_EQ(scaninfo_of_Drawing(kept)->rotation_angle, angle);
@@ -84,14 +69,13 @@ TEST_F(OpticalTest, GreyScanIsTurnedSquareAndCutToTheFieldPastThePegStrip) {
         for (int x = 0; x < 900 - 75; x += 3)
             differences += std::abs(int(withPegs.pixel(x + 75, y) & 0xff) - int(withoutPegs.pixel(x, y) & 0xff)) > 8;
     EXPECT_EQ(differences, 0);
-}
 
-// Scans for the vectorizer stay whole: in a production, the elements that
-// are vectorized; anywhere, black and white, with its turn recorded.
-TEST_F(OpticalTest, ScansForTheVectorizerStayWhole) {
-    ScanConfig *c = startOptical(DEPTH_GREY);
+    // Scans for the vectorizer stay whole: in a production, the elements that
+    // are vectorized; anywhere, black and white, with its turn recorded.
+    keepPegs.dismiss();
+    qunsetenv("LMV_SCAN_KEEP_PEGS");
     set_optical_of_ScanConfig(c, false);
-    Drawing *d = scan("1");
+    Drawing *d = scan("3");
     ASSERT_NE(d, nullptr);
     const QSize scanned = size(d);
     set_optical_of_ScanConfig(c, true);
@@ -105,7 +89,7 @@ TEST_F(OpticalTest, ScansForTheVectorizerStayWhole) {
     c->database = false;
 
     set_depth_of_ScanConfig(c, DEPTH_BW);
-    d = scan("2");
+    d = scan("4");
     ASSERT_NE(d, nullptr);
     EXPECT_EQ(size(d), QSize(1050, 1300)) << "the sheet as the scanner gave it";
     const LMV_scaninfo *si = scaninfo_of_Drawing(d);

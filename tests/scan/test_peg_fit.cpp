@@ -10,7 +10,6 @@
 #include <numbers>
 #include <vector>
 
-#include "scan/locate_pegs.h"
 #include "scan/optical_registration.h"
 #include "scan/peg_candidates.h"
 
@@ -240,15 +239,8 @@ TEST(PegSearchBox, BandOfEachSideIsInImagePixels) {
 
 constexpr int kPage = 2000;
 
-// Where the middle hole of a side's bar lies, in pixel indices.
-Point2d middle_of_side(int side) {
-    switch (side) {
-    case 1: return {1000, 100};
-    case 2: return {1000, 1900};
-    case 3: return {100, 1000};
-    default: return {1900, 1000};
-    }
-}
+// Where the middle hole of each side's bar lies, in pixel indices.
+const Point2d kMiddleOfSide[] = {{}, {1000, 100}, {1000, 1900}, {100, 1000}, {1900, 1000}};
 
 // A white page punched at 200 dpi along `side`: a round hole a quarter of an
 // inch across and two slots 8 inches apart, the bar turned by `turn` radians
@@ -261,7 +253,7 @@ QImage punched_page(int side, double turn, double scaleX = 1.0, double scaleY = 
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(Qt::black);
-    const Point2d middle = middle_of_side(side);
+    const Point2d middle = kMiddleOfSide[side];
     painter.translate(middle.x + 0.5, middle.y + 0.5);
     painter.scale(scaleX, scaleY);
     painter.rotate(-turn * 180.0 / std::numbers::pi + (side >= 3 ? 90.0 : 0.0));
@@ -281,9 +273,9 @@ struct Found {
     bool ok = false;
     float x = -1, y = -1, angle = -1;
 };
-Found register_at_200(const CEL_PixmapPtr &picture, int side) {
+Found register_page(const CEL_PixmapPtr &picture, const PegRegistrationOptions &o) {
     Found f;
-    f.ok = optical_registration(picture, &f.x, &f.y, &f.angle, 0.5, 200, side, 1.0, 8.0, 2.0, 1);
+    f.ok = optical_registration(picture, o, &f.x, &f.y, &f.angle);
     return f;
 }
 
@@ -293,46 +285,37 @@ TEST(OpticalRegistration, FindsTheMiddleHoleAndTheTurnOnEverySide) {
     const double turn = 0.4 * std::numbers::pi / 180.0;
     const double tolerance = 0.01 * std::numbers::pi / 180.0;
     for (int side = 1; side <= 4; ++side) {
-        const Found f = register_at_200(matte8_of(punched_page(side, turn)), side);
+        const Found f = register_page(matte8_of(punched_page(side, turn)), options_at_200(side));
         ASSERT_TRUE(f.ok) << "side " << side;
-        EXPECT_TRUE(near({f.x, f.y}, middle_of_side(side), 0.25)) << "side " << side;
+        EXPECT_TRUE(near({f.x, f.y}, kMiddleOfSide[side], 0.25)) << "side " << side;
         // The top bar runs right to left: its corrected angle is left near -2π.
         EXPECT_NEAR(f.angle, side == 1 ? turn - 2.0 * std::numbers::pi : turn, tolerance) << "side " << side;
     }
     // Turned the other way, the top bar's angle lands near 0.
-    EXPECT_NEAR(register_at_200(matte8_of(punched_page(1, -turn)), 1).angle, -turn, tolerance);
-    EXPECT_FALSE(register_at_200(CEL_PixmapPtr(), 2).ok);
+    EXPECT_NEAR(register_page(matte8_of(punched_page(1, -turn)), options_at_200(1)).angle, -turn, tolerance);
+    EXPECT_FALSE(register_page(CEL_PixmapPtr(), options_at_200()).ok);
 }
 
-BM_GreyMap inverted_grey(const QImage &page) {
-    BM_GreyMap grey(page.width(), page.height());
-    for (int y = 0; y < page.height(); ++y)
-        for (int x = 0; x < page.width(); ++x) grey.set(x, y, 255u - page.constScanLine(y)[x]);
-    return grey;
-}
-
-TEST(LocatePegs, CalibratedSearchReturnsImagePixelsWithYUpAndTracesOnRequest) {
-    // A scanner that stretches x by 1/1.25 and y by 1/0.8: the page is drawn
-    // that much smaller, the calibration brings the bar back to 8 inches.
+// A scanner that stretches x by 1/1.25 and y by 1/0.8: the page is drawn that
+// much smaller, the calibration brings the bar back to 8 inches.
+TEST(OpticalRegistration, CalibratedSearchIsInImagePixelsAndTracedOnRequest) {
     PegRegistrationOptions o = options_at_200();
     o.calibX = 1.25;
     o.calibY = 0.8;
     o.rdebug = true;
-    BM_GreyMap grey = inverted_grey(punched_page(2, 0.0, 1.0 / o.calibX, 1.0 / o.calibY));
-    Point2d points[3];
+    const CEL_PixmapPtr page = matte8_of(punched_page(2, 0.0, 1.0 / o.calibX, 1.0 / o.calibY));
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    ASSERT_TRUE(locate_pegs(grey, o, points));
+    const Found f = register_page(page, o);
     const std::string out = testing::internal::GetCapturedStdout();
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "Performing optical registration. Looseness factor is 2.000000\nCalibration values: 1.250000 0.800000\n");
-    const double up = kPage - 1900.0;
-    const Point2d want[3] = {{1000 - 640, up}, {1000, up}, {1000 + 640, up}};
-    for (int i = 0; i < 3; ++i) EXPECT_TRUE(near(points[i], want[i], 0.25)) << i;
+    ASSERT_TRUE(f.ok);
+    EXPECT_TRUE(near({f.x, f.y}, kMiddleOfSide[2], 0.25));
+    EXPECT_NEAR(f.angle, 0.0, 0.01 * std::numbers::pi / 180.0);
     EXPECT_NE(out.find("Found a center peg candidate at: ("), std::string::npos) << out;
     EXPECT_NE(out.find("Found a side peg candidate at coordinates ("), std::string::npos);
     EXPECT_EQ(out.find("Distances"), std::string::npos);  // round holes only
-
 }
 
 }  // namespace

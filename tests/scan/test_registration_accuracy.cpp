@@ -4,9 +4,7 @@
 
 #include <QPainter>
 
-#include <cmath>
-#include <numbers>
-#include <string>
+#include <tuple>
 
 #include "support/chart_spoilers.h"
 #include "support/registration_accuracy.h"
@@ -14,7 +12,6 @@
 namespace {
 
 using regacc::ChartSheet;
-using regacc::ChartTruth;
 using regacc::Depth;
 using regacc::RegistrationError;
 
@@ -38,28 +35,6 @@ void expect_within_goals(const QImage &chart, const ChartSheet &sheet, Depth dep
         ASSERT_TRUE(e.registered);
         EXPECT_LT(e.angle_degrees, angle_goal);
         EXPECT_LT(e.centre_pixels, kCentreGoal);
-    }
-}
-
-// The truth is checked on the painting itself, before any scan: the mean of
-// the hole's painted pixels strays from the circle's centre only by the
-// painting's sampling. The angle is the sheet's turn (clockwise, y down),
-// squeezed across by 3150 / 3900: the bar's tangent shrinks by as much.
-TEST(ChartTruth, PaintedCentreHoleAndAngleAreWhereTheTruthPutsThem) {
-    for (const FieldChartSkew &skew : kSkews) {
-        const ChartSheet sheet{12.0, 150, skew};
-        const QImage chart = regacc::paint_sheet(sheet);
-        for (int32_t side = 1; side <= 4; ++side) {
-            const QPointF off = regacc::painted_truth_of_sheet(chart, sheet, side).centre -
-                                regacc::truth_of_sheet(sheet, side).centre;
-            EXPECT_LT(std::max(std::fabs(off.x()), std::fabs(off.y())), 0.2) << skew.rotation << " side " << side;
-        }
-    }
-    for (const double degrees : {0.0, 1.0}) {
-        const double squeezed = std::atan(std::tan(degrees * std::numbers::pi / 180.0) * 3150.0 / 3900.0);
-        for (int32_t side = 1; side <= 4; ++side)
-            EXPECT_NEAR(std::fabs(regacc::truth_of_sheet({12.0, 300, {0, 0, degrees}}, side).angle), squeezed, 1e-9)
-                << degrees << " side " << side;
     }
 }
 

@@ -34,20 +34,6 @@ TEST(PixmapCreate, EachKindFillsItsOwnSlotAndOtherKindsNone)
         EXPECT_EQ(std::tuple(type_of_pixmap(pm), filled_slots(pm), width_of_pixmap(pm)), std::tuple(PIXMAP_NONE, 0, 3));
 }
 
-// Only one slot is ever in use, but the orders in which the type and the best
-// leaf are looked for differ, and callers rely on each.
-TEST(PixmapSlots, TypeAndBestAskInTheirOwnOrders)
-{
-    PixmapHolder pm(create_pixmap(PIXMAP_MATTE8, 1, 1));
-    pm->matte16 = UT_makeShared<CEL_PixmapMatte16>(1, 1);
-    EXPECT_EQ(std::pair(type_of_pixmap(pm.get()), best_of_pixmap(pm.get())->type()),
-              std::pair(int32_t(PIXMAP_MATTE16), int(CEL_TYPE_MATTE8)));
-    pm->rgba16 = UT_makeShared<CEL_PixmapRGBA16>(1, 1);
-    pm->rgba8 = UT_makeShared<CEL_PixmapRGBA8>(1, 1);
-    EXPECT_EQ(std::pair(type_of_pixmap(pm.get()), best_of_pixmap(pm.get())->type()),
-              std::pair(int32_t(PIXMAP_RGBA16), int(CEL_TYPE_RGBA8)));
-}
-
 // Setting hands the block to a new leaf and empties the other slots;
 // replacing takes a leaf of the same class only, and leaves no pixels
 // otherwise; releasing counts down before letting go of the leaf.

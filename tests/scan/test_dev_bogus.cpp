@@ -20,25 +20,6 @@
 
 namespace {
 
-// Runs a test in an empty directory of its own, which holds the driver's
-// control files, and goes back afterwards.
-struct InTempDir {
-    InTempDir() { QDir::setCurrent(dir.path()); }
-    ~InTempDir() { QDir::setCurrent(old); }
-    QString path(const char *name) const { return dir.filePath(QString::fromLatin1(name)); }
-    void write(const char *name, const QByteArray &text) const {
-        QFile f(path(name));
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(text);
-    }
-    QByteArray read(const char *name) const {
-        QFile f(path(name));
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("(missing)");
-    }
-    QTemporaryDir dir;
-    QString old = QDir::currentPath();
-};
-
 // The chart of a 12-inch field at 100 dpi, unskewed: painted on a 1200 pixel
 // square, turned a quarter and scaled to 1050 by 1200.
 constexpr double kField = 12, kDpi = 100;
@@ -51,39 +32,6 @@ QPoint landing(double cx, double cy, double dx = 0, double dy = 0) {
 }
 
 bool white(const QImage &chart, QPoint p) { return qRed(chart.pixel(p)) == 255; }
-
-TEST(BogusFieldChart, PegHolesGridSizeAndOffsetFile) {
-    InTempDir dir;
-    const QImage chart = make_field_chart(kField, kDpi, false, 1.0, 1.0);
-    ASSERT_EQ(chart.size(), QSize(kWide, kSquare));
-    struct Spot {
-        double cx, cy;
-        bool white;
-    };
-    const Spot spots[] = {
-        {599.5, 37.5, true}, {620, 37.5, false},                                // the round hole, black beside it
-        {169, 37, true}, {158, 37, false}, {1030, 37, true}, {1040, 37, false},  // slots 0.7 inch wide
-        {600, 80, false},                                                       // nothing before the grid
-        {650, 320, true}, {625, 320, false}, {625, 300, true},  // lines every 1/2 and 3/8 inch, black between
-        {1012, 562, false}, {1080, 562, true},                  // the dot beyond the right arrow head
-    };
-    for (const Spot &s : spots) EXPECT_EQ(white(chart, landing(s.cx, s.cy)), s.white) << s.cx << "," << s.cy;
-
-    // Room for the skew: an inch taller, the chart half an inch further in.
-    const QImage skewed = paint_field_chart(kField, kDpi, true, 1.0, 1.0, FieldChartSkew{});
-    ASSERT_EQ(skewed.size(), QSize(kWide, 1300));
-    EXPECT_TRUE(white(skewed, QPoint(int(37.5 * kWide / 1300), 1300 - 650)));
-
-    dir.write("DUMMY_XYR_OFFSET_FILE", "0.5,0.25,0\n");
-    testing::internal::CaptureStderr();
-    const QImage moved = make_field_chart(kField, kDpi, false, 1.0, 1.0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "DUMMY_XYR_OFFSET_FILE opened\nxoff:0.5, yoff:0.25, roff:0\nxoff:0.5, yoff:0.25, roff:0\n");
-    EXPECT_TRUE(white(moved, landing(599.5, 37.5, 50, 25)));
-    EXPECT_FALSE(white(moved, landing(599.5, 37.5)));
-}
-
-// ---- The device --------------------------------------------------------------
 
 struct DrawingDeleter {
     void operator()(Drawing *d) const { destroy_Drawing(&d); }
@@ -100,7 +48,7 @@ protected:
         return dev;
     }
     DrawingPtr drawing(int32_t depth, int32_t peg_side = 1) {
-        DrawingPtr d(create_Drawing(QStringLiteral("A"), QStringLiteral("0001"), dir_.path("")));
+        DrawingPtr d(create_Drawing(QStringLiteral("A"), QStringLiteral("0001"), dir_.path()));
         set_scan_depth_of_Drawing(d.get(), depth);
         set_peg_side_of_Drawing(d.get(), peg_side);
         set_paper_size_of_Drawing(d.get(), float(kField));
@@ -124,24 +72,70 @@ protected:
                     : std::vector<uint8_t>{};
     }
 
-    InTempDir dir_;
+    // The driver's control files are read from the current directory: an
+    // empty one of the test's own.
+    QString path(const char *name) const { return dir_.filePath(QString::fromLatin1(name)); }
+    void write(const char *name, const QByteArray &text) const {
+        QFile f(path(name));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(text);
+    }
+    QByteArray read(const char *name) const {
+        QFile f(path(name));
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("(missing)");
+    }
+    void SetUp() override { QDir::setCurrent(dir_.path()); }
+    void TearDown() override { QDir::setCurrent(old_); }
+
+    QTemporaryDir dir_;
+    QString old_ = QDir::currentPath();
     std::string stdout_;
 };
+
+TEST_F(BogusDevice, FieldChartPegHolesGridSizeAndOffsetFile) {
+    const QImage chart = make_field_chart(kField, kDpi, false, 1.0, 1.0);
+    ASSERT_EQ(chart.size(), QSize(kWide, kSquare));
+    struct Spot {
+        double cx, cy;
+        bool white;
+    };
+    const Spot spots[] = {
+        {599.5, 37.5, true}, {620, 37.5, false},                                // the round hole, black beside it
+        {169, 37, true}, {158, 37, false}, {1030, 37, true}, {1040, 37, false},  // slots 0.7 inch wide
+        {600, 80, false},                                                       // nothing before the grid
+        {650, 320, true}, {625, 320, false}, {625, 300, true},  // lines every 1/2 and 3/8 inch, black between
+        {1012, 562, false}, {1080, 562, true},                  // the dot beyond the right arrow head
+    };
+    for (const Spot &s : spots) EXPECT_EQ(white(chart, landing(s.cx, s.cy)), s.white) << s.cx << "," << s.cy;
+
+    // Room for the skew: an inch taller, the chart half an inch further in.
+    const QImage skewed = paint_field_chart(kField, kDpi, true, 1.0, 1.0, FieldChartSkew{});
+    ASSERT_EQ(skewed.size(), QSize(kWide, 1300));
+    EXPECT_TRUE(white(skewed, QPoint(int(37.5 * kWide / 1300), 1300 - 650)));
+
+    write("DUMMY_XYR_OFFSET_FILE", "0.5,0.25,0\n");
+    testing::internal::CaptureStderr();
+    const QImage moved = make_field_chart(kField, kDpi, false, 1.0, 1.0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "DUMMY_XYR_OFFSET_FILE opened\nxoff:0.5, yoff:0.25, roff:0\nxoff:0.5, yoff:0.25, roff:0\n");
+    EXPECT_TRUE(white(moved, landing(599.5, 37.5, 50, 25)));
+    EXPECT_FALSE(white(moved, landing(599.5, 37.5)));
+}
 
 TEST_F(BogusDevice, FeederCountsDownToEmpty) {
     auto dev = device("Bogus-Color", QStringLiteral("fieldchart"));
     // No file: the feeder never runs empty, and no file appears; an empty
     // file reads nothing and changes nothing.
     for (const char *before : {"(missing)", ""}) {
-        if (!*before) dir_.write("ADF_COUNT_FILE", before);
+        if (!*before) write("ADF_COUNT_FILE", before);
         EXPECT_FALSE(autoload_ScanDevice(dev.get()).failed());
-        EXPECT_EQ(dir_.read("ADF_COUNT_FILE"), before);
+        EXPECT_EQ(read("ADF_COUNT_FILE"), before);
     }
-    dir_.write("ADF_COUNT_FILE", "1\n");
+    write("ADF_COUNT_FILE", "1\n");
     EXPECT_EQ(autoload_ScanDevice(dev.get()), scan_status(SCSI_GOOD, STATUS_SUCCESS));
-    EXPECT_EQ(dir_.read("ADF_COUNT_FILE"), "0\n");
+    EXPECT_EQ(read("ADF_COUNT_FILE"), "0\n");
     EXPECT_EQ(autoload_ScanDevice(dev.get()), scan_status(SCSI_MEDIUM_ERROR, STATUS_FEEDER_FAILURE));
-    EXPECT_EQ(dir_.read("ADF_COUNT_FILE"), "0\n");
+    EXPECT_EQ(read("ADF_COUNT_FILE"), "0\n");
 }
 
 TEST_F(BogusDevice, ReportsAndCalibration) {
@@ -182,9 +176,8 @@ TEST_F(BogusDevice, DepthConversions) {
     image.setPixel(2, 0, qRgb(0, 255, 255));   // no red: black in black and white
     image.setPixel(3, 0, qRgb(255, 0, 0));
     image.setPixel(9, 1, qRgb(155, 205, 55));  // the grey weights tell here
-    const QString path = dir_.path("sheet.png");
-    ASSERT_TRUE(image.save(path));
-    auto dev = device("Bogus-Color", path);
+    ASSERT_TRUE(image.save(path("sheet.png")));
+    auto dev = device("Bogus-Color", path("sheet.png"));
 
     DrawingPtr bw = drawing(DEPTH_BW);
     MessageCapture capture;

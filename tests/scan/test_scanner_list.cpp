@@ -54,19 +54,6 @@ std::string block(const std::string &model, const std::string &more = {}, const 
 
 }  // namespace
 
-TEST_F(ConfTest, CommentsAndBlankLinesAloneGiveAnEmptyListAndNoMessage) {
-    read("# studio scanners\n\n   \n\t\r\n#host: station1\n");
-    EXPECT_EQ(count_of_ScannerList(list_.get()), 0);
-    EXPECT_EQ(host_of_ScannerList(list_.get()), "station1");
-    EXPECT_TRUE(capture_.lines().empty());
-
-    // Only in the first column: " #" is a line whose first token "#" is an
-    // unknown keyword. A name keeps a tab but loses its blanks.
-    read(block("Bogus-Color", " # not a comment\n", "Test # one\ttab"));
-    EXPECT_EQ(errors(), Errors{"Unknown keyword '#' in file '" + path() + "'.\n"});
-    EXPECT_EQ(name_of_ScannerEntry(only()), "Test_#_one\ttab");
-}
-
 TEST_F(ConfTest, OnlyBlocksOfThisHostAreKeptAndOthersMayHoldNonsense) {
     read("name: before any host\nbogus: line\n"
          "host: otherbox\nname: X\nmodel: NoSuchModel\nwhatever: 12\ndefaultContrast: 999\n"
@@ -88,8 +75,9 @@ TEST_F(ConfTest, OnlyBlocksOfThisHostAreKeptAndOthersMayHoldNonsense) {
     EXPECT_EQ(count_of_ScannerList(list_.get()), 1);
 }
 
-TEST_F(ConfTest, CrLfLinesTabsTrimmedValuesAndLongLines) {
-    read("host:\tstation1\r\nname:\t Big Scanner \t\r\ndevice: fieldchart\r\nmodel: Bogus-Color  \r\n"
+// Comments start in the first column.
+TEST_F(ConfTest, CommentsCrLfLinesTabsTrimmedValuesAndLongLines) {
+    read("# studio scanners\n\n   \n\t\r\n#host: station1\nhost:\tstation1\r\nname:\t Big Scanner \t\r\ndevice: fieldchart\r\nmodel: Bogus-Color  \r\n"
          "descr:   Desk  by the window\r\ndefaultPegSide:\tTop\r\n");
     EXPECT_TRUE(errors().empty());
     ScannerEntry *e = only();
@@ -107,16 +95,19 @@ TEST_F(ConfTest, CrLfLinesTabsTrimmedValuesAndLongLines) {
     EXPECT_EQ(defaultThreshold_of_ScannerEntry(only()), 7);
 }
 
-// Keywords are exact words; a refused model loses its whole block, whatever
-// it holds; an enumerated value is an exact word too and a refused one keeps
-// what was there.
+// Keywords are exact words (" #" is the keyword "#"); a refused model loses
+// its whole block, whatever it holds; an enumerated value is an exact word
+// too and a refused one keeps what was there. A name keeps a tab but loses
+// its blanks.
 TEST_F(ConfTest, UnknownWordsAndModels) {
-    read(block("Bogus-Color", "DefaultThreshold: 12\nNAME: other\nodd%2%1:\ndefaultPegSide: bottom\n"
-                              "defaultPegSide: Left\nregistrationStrictness: Loose\nregistrationStrictness: strict\n") +
+    read(block("Bogus-Color", " # not a comment\nDefaultThreshold: 12\nNAME: other\nodd%2%1:\ndefaultPegSide: bottom\n"
+                              "defaultPegSide: Left\nregistrationStrictness: Loose\nregistrationStrictness: strict\n",
+               "Test # one\ttab") +
          "host: station1\nname: Old\ndevice: x\nmodel: Fujitsu_M9999\ndefaultContrast: 999\nnonsense: 1\n" +
          block("Bogus-Color", "defaultPegSide: top\n", "New"));
     const std::string p = path();
-    EXPECT_EQ(errors(), (Errors{"Unknown keyword 'DefaultThreshold:' in file '" + p + "'.\n",
+    EXPECT_EQ(errors(), (Errors{"Unknown keyword '#' in file '" + p + "'.\n",
+                                "Unknown keyword 'DefaultThreshold:' in file '" + p + "'.\n",
                                 "Unknown keyword 'NAME:' in file '" + p + "'.\n",
                                 "Unknown keyword 'odd%2%1:' in file '" + p + "'.\n",
                                 "Unknown defaultPegSide value 'bottom'\n",
@@ -125,7 +116,7 @@ TEST_F(ConfTest, UnknownWordsAndModels) {
                                 "Unknown defaultPegSide value 'top'\n"}));
     ASSERT_EQ(count_of_ScannerList(list_.get()), 2);
     ScannerEntry *first = entry(0), *second = entry(1);
-    EXPECT_EQ(name_of_ScannerEntry(first), "S");
+    EXPECT_EQ(name_of_ScannerEntry(first), "Test_#_one\ttab");
     EXPECT_EQ(defaultPegSide_of_ScannerEntry(first), PEG_LEFT);
     EXPECT_EQ(registrationStrictness_of_ScannerEntry(first), REGISTRATION_LOOSE);
     EXPECT_EQ(name_of_ScannerEntry(second), "New");

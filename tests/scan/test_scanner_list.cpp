@@ -178,20 +178,6 @@ TEST_F(ConfTest, IntegerRangeChecksReadThroughToTheModel) {
     EXPECT_EQ(WaitBetweenDrawings_of_ScannerEntry(entry(2)), 0);
 }
 
-TEST_F(ConfTest, DropColoursAddOrReplaceAndReachTheDevice) {
-    read(block("Fujitsu_fi4750C", "rgbDropList: Red, 0, 100, 0, 100, 0, 100\nrgbDropList: Blue,  1, 2 \r\n"
-                                  "dropOutColor: red\ndropOutColor: green\nforceAllResolutions: whatever\n"));
-    EXPECT_TRUE(errors().empty());
-    ScannerEntry *e = only();
-    EXPECT_EQ(rgbDropList_of_ScannerEntry(e), (QStringList{"Red, 0, 100, 0, 100, 0, 100", "Blue,  1, 2 "}));
-    EXPECT_EQ(dropOutColor_of_ScannerEntry(e), "green");
-    EXPECT_TRUE(forceAllResolutions_of_ScannerEntry(e));
-    ScanDeviceInfo *dev = device_of_ScannerEntry(e);
-    EXPECT_EQ(dev->dropOutColor, "green");
-    EXPECT_EQ(dev->rgbDropList, rgbDropList_of_ScannerEntry(e));
-    EXPECT_EQ(rgbDrop_of_Standard_parameters(&dev->bw_parameters), "0, 100, 0, 100, 0, 100");
-}
-
 TEST_F(ConfTest, MissingFieldsAreAllReportedAndTheRecordStaysUnfinished) {
     read("host: station1\ndescr: nothing else\nhost: station1\nname: N\ndefaultThreshold: 300\n");
     const std::string missing = "In file '" + path() + "', missing ";
@@ -204,10 +190,14 @@ TEST_F(ConfTest, MissingFieldsAreAllReportedAndTheRecordStaysUnfinished) {
 }
 
 // Stated defaults reach the device; unstated ones read through from the
-// model; the gamma file only reaches the models that take one.
+// model; the gamma file only reaches the models that take one; drop colours
+// add up, a drop-out colour is replaced.
 TEST_F(ConfTest, DefaultsMergeWithTheDeviceBothWays) {
     read(block("Sharp_JX-610", "defaultGamma: 2.5\ndefaultBlackPoint: 30\n", "Sharp") +
-         block("Epson_836XL", "gammaFile: /studio/g.txt\n", "A") + block("Bogus-Color", "gammaFile: /studio/g.txt\n", "B"));
+         block("Epson_836XL", "gammaFile: /studio/g.txt\n", "A") + block("Bogus-Color", "gammaFile: /studio/g.txt\n", "B") +
+         block("Fujitsu_fi4750C", "rgbDropList: Red, 0, 100, 0, 100, 0, 100\nrgbDropList: Blue,  1, 2 \r\n"
+                                  "dropOutColor: red\ndropOutColor: green\nforceAllResolutions: whatever\n"));
+    EXPECT_TRUE(errors().empty());
     ScannerEntry *e = entry(0);
     ScanDeviceInfo *dev = device_of_ScannerEntry(e);
     EXPECT_FLOAT_EQ(dev->default_gamma, 2.5f);
@@ -220,6 +210,14 @@ TEST_F(ConfTest, DefaultsMergeWithTheDeviceBothWays) {
     EXPECT_EQ(device_of_ScannerEntry(entry(1))->gamma_file, "/studio/g.txt");
     EXPECT_EQ(device_of_ScannerEntry(entry(2))->gamma_file, "(None)");
     EXPECT_EQ(gammaFile_of_ScannerEntry(entry(2)), "/studio/g.txt");
+
+    e = entry(3);
+    dev = device_of_ScannerEntry(e);
+    EXPECT_EQ(rgbDropList_of_ScannerEntry(e), (QStringList{"Red, 0, 100, 0, 100, 0, 100", "Blue,  1, 2 "}));
+    EXPECT_EQ(dev->rgbDropList, rgbDropList_of_ScannerEntry(e));
+    EXPECT_EQ(rgbDrop_of_Standard_parameters(&dev->bw_parameters), "0, 100, 0, 100, 0, 100");
+    EXPECT_EQ(dropOutColor_of_ScannerEntry(e) + "/" + dev->dropOutColor, "green/green");
+    EXPECT_TRUE(forceAllResolutions_of_ScannerEntry(e));
 }
 
 // A TWAIN block needs only its model; the list finds scanners by exact name

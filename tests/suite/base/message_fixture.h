@@ -24,12 +24,10 @@ public:
         QStringList texts;
     };
     std::vector<Shown> shown;
-    std::function<void()> duringReport;  // runs inside the report, as a modal box would
 
 protected:
     bool report(char severity, const QStringList &pending, bool) override {
         shown.push_back({severity, pending});
-        if (duringReport) duringReport();
         return false;
     }
 };

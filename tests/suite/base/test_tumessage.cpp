@@ -224,21 +224,6 @@ TEST_F(MessageTest, SuspendedReportsPileUpAndShowTogether) {
     EXPECT_TRUE(m->readLog().contains("quiet"));
 }
 
-TEST_F(MessageTest, ReportRaisedDuringAReportWaitsItsTurn) {
-    auto m = open();
-    int depth = 0, deepest = 0;
-    m->duringReport = [&] {
-        deepest = std::max(deepest, ++depth);
-        if (m->shown.size() == 1) m->error(MSG_Text::untranslated("raised while shown"));
-        --depth;
-    };
-    m->error(MSG_Text::untranslated("first"));
-    EXPECT_EQ(deepest, 1);  // never a report inside a report
-    ASSERT_EQ(m->shown.size(), 2u);
-    EXPECT_EQ(m->shown[0].texts, QStringList{"first"});
-    EXPECT_EQ(m->shown[1].texts, QStringList{"raised while shown"});
-}
-
 TEST(PendingReport, SeverityOfTheList) {
     MSG_PendingReport p;
     p.add('I', "a");

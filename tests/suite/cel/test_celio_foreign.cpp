@@ -133,39 +133,19 @@ protected:
 
 }  // namespace
 
-TEST_F(ForeignTiff, BilevelInEitherPhotometricReadsAsZeroAnd255)
-{
-    // 13 pixels a row: two bytes with three padding bits that must not show.
-    Layout l{.width = 13, .height = 7, .bps = 1};
-    const auto bits = noiseBytes(l.bytes(), 3);
-    for (const auto &[photometric, compression] :
-         {std::pair{PHOTOMETRIC_MINISWHITE, COMPRESSION_NONE}, std::pair{PHOTOMETRIC_MINISWHITE, COMPRESSION_CCITTFAX3},
-          std::pair{PHOTOMETRIC_MINISBLACK, COMPRESSION_PACKBITS}}) {
-        SCOPED_TRACE(compression);
-        l.photometric = uint16_t(photometric);
-        l.compression = uint16_t(compression);
-        const auto *m = roundTrip<CEL_PixmapMatte8>(l, bits);
-        ASSERT_NE(m, nullptr);
-        for (uint32_t y = 0; y < l.height; ++y)
-            for (uint32_t x = 0; x < l.width; ++x) {
-                const int bit = (bits[y * l.rowBytes() + x / 8] >> (7 - x % 8)) & 1;
-                const bool white = bit == (photometric == PHOTOMETRIC_MINISBLACK ? 1 : 0);
-                ASSERT_EQ(m->at(int(x), int(y)), white ? 255 : 0) << x << "," << y;
-            }
-    }
-}
-
 TEST_F(ForeignTiff, GreyOfAnyDepthSpreadsOverTheLeafsRange)
 {
-    // Samples that straddle bytes, several samples a pixel, min-is-white, both
-    // byte orders and tiles: up to 8 bits become Matte8, deeper ones keep
-    // their precision in Matte16.
+    // Bilevel in either photometric, samples that straddle bytes, padding bits
+    // at the end of each row, several samples a pixel, min-is-white, both byte
+    // orders and tiles: up to 8 bits become Matte8 (bilevel 0 and 255), deeper
+    // ones keep their precision in Matte16.
     constexpr uint16_t B = PHOTOMETRIC_MINISBLACK, W = PHOTOMETRIC_MINISWHITE;
     const struct {
         uint16_t bps, spp, photometric, compression;
         bool alpha = false, bigEndian = false;
         uint32_t tile = 0;
-    } depths[] = {{2, 1, B, COMPRESSION_NONE},   {3, 1, B, COMPRESSION_NONE},     {4, 1, B, COMPRESSION_LZW},
+    } depths[] = {{1, 1, W, COMPRESSION_NONE},   {1, 1, W, COMPRESSION_CCITTFAX3}, {1, 1, B, COMPRESSION_PACKBITS},
+                  {2, 1, B, COMPRESSION_NONE},   {3, 1, B, COMPRESSION_NONE},     {4, 1, B, COMPRESSION_LZW},
                   {5, 1, W, COMPRESSION_NONE},   {6, 2, B, COMPRESSION_NONE},     {7, 1, B, COMPRESSION_NONE},
                   {8, 1, W, COMPRESSION_ADOBE_DEFLATE}, {8, 2, B, COMPRESSION_NONE, true},
                   {9, 1, B, COMPRESSION_NONE},   {10, 1, B, COMPRESSION_PACKBITS}, {12, 1, B, COMPRESSION_LZW},

@@ -239,7 +239,9 @@ TEST_F(DeviceTest, NullRecordsAndEntriesAreInternalErrors) {
                          setup1_ScanDevice(&dev_, drawing), release_ScanDevice(&dev_)})
         EXPECT_EQ(s, broken);
     EXPECT_FALSE(resolution_step_of_ScanDeviceInfo(&dev_, 8));  // out of range
-    EXPECT_EQ(assertions(), 8u);
+    EXPECT_EQ(ops_of_ScanDeviceInfo(nullptr), nullptr);
+    EXPECT_TRUE(name_of_ScanDeviceInfo(nullptr).isEmpty());
+    EXPECT_EQ(assertions(), 10u);
     // No eject entry: the model has no eject. Success, silently.
     TUMessage::instance()->setDebugMode(true);
     capture_.clear();

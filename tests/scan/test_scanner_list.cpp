@@ -329,6 +329,7 @@ TEST_F(ConfTest, ParameterSetsAndResolutionsPerFamily) {
         {"Ricoh_IS410", drop, "T/B/ 100 150 200 240 300 400 "},
         {"Ricoh_IS450", drop, "T/B/ 100 150 200 240 300 400 "},
         {"Ricoh_IS330", drop, "T/B/ 100 150 200 240 300 400 600 "},
+        {"Ricoh_IS760", drop, "T/B/ 100 150 200 240 300 400 "},
         {"Epson_836XL", absent, "T/BG/G " + all},
         {"Epson_836XL", present, "T/BG/ " + all},
         {"Epson_GT-15000", present, "T/B/ " + all},

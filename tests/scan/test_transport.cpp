@@ -251,6 +251,8 @@ TEST(Aspi, WhatCountsAsTakenAndTheTraceOfEachStatus) {
                                       "target check condition occurred, sensedata follows:",
                                       "0000: 00 00 06 00 00 00 00 00 00 00 00 00 00 00       ..............  "}));
     for (auto [adapter, target, a, t] : {std::tuple(0x42, 24, "Unknown SRB_HaStat 18", "target reservation conflict"),
+                                         {17, 8, "selection of the target timed out (target not ready ?)",
+                                          "specified target/LUN is busy"},
                                          {0, 0x30, "", "Unknown SRB_TargStat 30"}}) {
         capture.clear();
         r.adapterStatus = uint8_t(adapter);
@@ -288,6 +290,7 @@ TEST(Aspi, ScsiDebugDumpsCommandsEvenWithDebugOff) {
     EXPECT_EQ(capture.lines()[3].second, "Data:");
     EXPECT_EQ(capture.lines()[4].second, "0000: 61 62 63 64 65 66 67 68 69 6a 6b 6c 6d 6e 6f 70 abcdefghijklmnop");
     EXPECT_EQ(capture.lines()[5].second, "0010: 71" + std::string(15 * 3 + 1, ' ') + "q" + std::string(15, ' '));
+    EXPECT_EQ(scsi_hex_dump(data), capture.lines()[4].second + "\n" + capture.lines()[5].second + "\n");
 }
 
 // ---- primitives over the simulated target ----

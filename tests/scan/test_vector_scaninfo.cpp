@@ -120,7 +120,9 @@ TEST(ScanInfo, WriterUsesVersion3PercentGAndSingleTokenNames) {
         out->pegged = pegged;
         EXPECT_NE(LMV_scaninfo_to_str(out.get()).find(text), std::string::npos) << text;
     }
-    EXPECT_EQ(capture.errors(), std::vector<std::string>{"LMV_scaninfo_to_str(): Unhandled peg_side case.\n"});
+    destroy_LMV_scaninfo(nullptr);
+    EXPECT_EQ(capture.errors(), (std::vector<std::string>{"LMV_scaninfo_to_str(): Unhandled peg_side case.\n",
+                                                          "destroy_LMV_scaninfo(NULL).\n"}));
 }
 
 TEST(ScanInfo, NumbersUseADotInAnyLocale) {

@@ -44,48 +44,50 @@ protected:
 
 }  // namespace
 
+// A unit attention or a refused request is retried once after a pause; any
+// other failure at once is not. A record that failed to reserve stays open
+// until released.
 TEST_F(DeviceTest, ReserveRetriesOnceAfterUnitAttentionOrRefusal) {
-    target_->queueReply(kReserveUnit, SimScsiReply::check(6));
-    EXPECT_EQ(reserve_ScanDevice(&dev_), scan_status(SCSI_GOOD, STATUS_SUCCESS));
-    EXPECT_TRUE(reserved_of_ScanDeviceInfo(&dev_) && opened_of_ScanDeviceInfo(&dev_));
-    EXPECT_EQ(g_sleeps, std::vector<int>{1000});
-    EXPECT_TRUE(capture_.errors().empty());
-    ASSERT_EQ(target_->countOf(kReserveUnit), 2u);
+    struct Row {
+        std::vector<SimScsiReply> replies;
+        ScanStatus status;
+        std::size_t commands;
+        Lines errors;
+    };
+    const Row rows[] = {
+        {{SimScsiReply::check(6)}, scan_status(SCSI_GOOD, STATUS_SUCCESS), 2, {}},
+        {{SimScsiReply::refused()}, scan_status(SCSI_GOOD, STATUS_SUCCESS), 2, {"Reserve_Scan_Device: request was invalid"}},
+        {{SimScsiReply::check(6), SimScsiReply::check(2)}, scan_status(SCSI_NOT_READY, STATUS_DEVICE_ERROR), 2,
+         {"ReserveScanner: command error 7/5"}},
+        {{SimScsiReply::check(2)}, scan_status(SCSI_NOT_READY, STATUS_DEVICE_ERROR), 1, {"ReserveScanner: command error 7/5"}},
+    };
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.errors.empty() ? "unit attention" : row.errors[0]);
+        ScanDeviceInfo dev;
+        dev.device = dev_.device;
+        for (const SimScsiReply &reply : row.replies) target_->queueReply(kReserveUnit, reply);
+        const std::size_t before = target_->countOf(kReserveUnit);
+        g_sleeps.clear();
+        capture_.clear();
+        EXPECT_EQ(reserve_ScanDevice(&dev), row.status);
+        EXPECT_EQ(std::tuple(dev.reserved, dev.opened), std::tuple(!row.status.failed(), true));
+        EXPECT_EQ(target_->countOf(kReserveUnit) - before, row.commands);
+        EXPECT_EQ(g_sleeps, std::vector<int>(row.commands - 1, 1000));
+        EXPECT_EQ(capture_.errors(), row.errors);
+    }
     for (const auto &c : target_->commands()) {
         EXPECT_EQ(c.command, (std::vector<uint8_t>{0x16, 0, 0, 0, 0, 0}));
         EXPECT_EQ(c.timeoutMs, 9500);
     }
-    // A second reserve of a reserved record leaves the first alone.
-    ScsiHandle *first = dev_.scsi;
-    EXPECT_FALSE(reserve_ScanDevice(&dev_).failed());
-    EXPECT_EQ(std::tuple(target_->countOf(kReserveUnit), target_->openCount(), dev_.scsi), std::tuple(std::size_t{2}, 1, first));
-
-    // A refused request is told and retried.
-    ScanDeviceInfo refused;
-    refused.device = dev_.device;
-    target_->queueReply(kReserveUnit, SimScsiReply::refused());
-    EXPECT_FALSE(reserve_ScanDevice(&refused).failed());
-    EXPECT_EQ(capture_.errors(), Lines{"Reserve_Scan_Device: request was invalid"});
-    EXPECT_EQ(g_sleeps.size(), 2u);
 }
 
-TEST_F(DeviceTest, ReserveFailures) {
-    target_->queueReply(kReserveUnit, SimScsiReply::check(6));
-    target_->queueReply(kReserveUnit, SimScsiReply::check(2));
-    EXPECT_EQ(reserve_ScanDevice(&dev_), scan_status(SCSI_NOT_READY, STATUS_DEVICE_ERROR));
-    EXPECT_FALSE(dev_.reserved);
-    EXPECT_TRUE(dev_.opened);  // release closes it
-    EXPECT_EQ(capture_.errors(), Lines{"ReserveScanner: command error 7/5"});
+TEST_F(DeviceTest, ReserveOfAReservedRecordOrOfNoScanner) {
+    ASSERT_FALSE(reserve_ScanDevice(&dev_).failed());
+    ScsiHandle *first = dev_.scsi;
+    EXPECT_FALSE(reserve_ScanDevice(&dev_).failed());
+    EXPECT_EQ(std::tuple(target_->countOf(kReserveUnit), target_->openCount(), dev_.scsi),
+              std::tuple(std::size_t{1}, 1, first));
 
-    // A not-ready answer at once is not retried.
-    ScanDeviceInfo other;
-    other.device = dev_.device;
-    target_->queueReply(kReserveUnit, SimScsiReply::check(2));
-    EXPECT_EQ(reserve_ScanDevice(&other).code, STATUS_DEVICE_ERROR);
-    EXPECT_EQ(target_->countOf(kReserveUnit), 3u);
-    EXPECT_EQ(g_sleeps.size(), 1u);
-
-    capture_.clear();
     release_ScanDevice(&dev_);
     dev_.device = QStringLiteral("sim:no such scanner");
     dev_.name = QStringLiteral("Desk %2");  // a name never taken for a value

@@ -4,7 +4,6 @@ scan_add_test(test_suite_cel_files
     ${CMAKE_CURRENT_LIST_DIR}/test_celio_roundtrip.cpp
     ${CMAKE_CURRENT_LIST_DIR}/test_celio_foreign.cpp
     ${CMAKE_CURRENT_LIST_DIR}/test_celio_broken.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/test_pixmap_format_list.cpp
   LIBS suite_cel)
 find_package(TIFF REQUIRED)
 target_link_libraries(test_suite_cel_files PRIVATE TIFF::TIFF)

@@ -2,7 +2,5 @@
 scan_add_test(test_suite_cel_pixels
   SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/test_cel_pixmap.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/test_cel_flip.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/test_cel_scale.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/test_cel_levels.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/test_cel_algo.cpp
   LIBS suite_cel)

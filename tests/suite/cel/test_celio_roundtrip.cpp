@@ -6,40 +6,33 @@
 
 #include <algorithm>
 #include <thread>
+#include <type_traits>
 #include <tiffio.h>
 #include <vector>
 
 #include "celio_test_util.h"
+#include "suite/cel/pixmap_format_list.h"
 
 using namespace celio_test;
 
 namespace {
 
-struct TiffTags {
-    uint16_t compression = 0, bps = 0, spp = 0, resolutionUnit = 0;
-    float xResolution = 0, yResolution = 0;
-    QString dateTime, software;
-};
-
-TiffTags tagsOf(const QString &path)
+// A tag of the file's first picture; zero or empty when it has none.
+template <class T>
+T tagOf(const QString &path, uint32_t tag)
 {
-    TiffTags t;
+    T value{};
     TIFF *tif = TIFFOpen(QFile::encodeName(path).constData(), "r");
-    if (!tif)
-        return t;
-    TIFFGetField(tif, TIFFTAG_COMPRESSION, &t.compression);
-    TIFFGetField(tif, TIFFTAG_BITSPERSAMPLE, &t.bps);
-    TIFFGetField(tif, TIFFTAG_SAMPLESPERPIXEL, &t.spp);
-    TIFFGetField(tif, TIFFTAG_XRESOLUTION, &t.xResolution);
-    TIFFGetField(tif, TIFFTAG_YRESOLUTION, &t.yResolution);
-    TIFFGetField(tif, TIFFTAG_RESOLUTIONUNIT, &t.resolutionUnit);
-    const char *s = nullptr;
-    if (TIFFGetField(tif, TIFFTAG_DATETIME, &s))
-        t.dateTime = QString::fromLatin1(s);
-    if (TIFFGetField(tif, TIFFTAG_SOFTWARE, &s))
-        t.software = QString::fromLatin1(s);
-    TIFFClose(tif);
-    return t;
+    const char *text = nullptr;
+    if constexpr (std::is_same_v<T, QString>) {
+        if (tif && TIFFGetField(tif, tag, &text))
+            value = QString::fromLatin1(text);
+    } else if (tif) {
+        TIFFGetField(tif, tag, &value);
+    }
+    if (tif)
+        TIFFClose(tif);
+    return value;
 }
 
 // The picture as programs that know nothing of the station see it: libtiff's
@@ -136,9 +129,8 @@ TEST_F(ScratchDir, MatteGoesToG4WhenTwoValuedAndTheFormatAllowsIt)
         SCOPED_TRACE(testing::Message() << c.leaf->width() << "x" << c.leaf->height() << " " << c.format);
         const QString path = file("m.tif");
         ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(c.leaf), path, QString::fromLatin1(c.format), QStringLiteral("bw")));
-        const TiffTags t = tagsOf(path);
-        EXPECT_EQ(t.compression, c.compression);
-        EXPECT_EQ(t.bps, c.bps);
+        EXPECT_EQ(tagOf<uint16_t>(path, TIFFTAG_COMPRESSION), c.compression);
+        EXPECT_EQ(tagOf<uint16_t>(path, TIFFTAG_BITSPERSAMPLE), c.bps);
         const ReadBack r = readFile(path);
         EXPECT_TRUE(samePixels(*c.leaf, r.rep));
         EXPECT_EQ(r.comment, "bw");
@@ -157,10 +149,9 @@ TEST_F(ScratchDir, ColourScansOpenOpaqueElsewhereWithTheirResolution)
         SCOPED_TRACE(format.toStdString());
         auto c8 = withoutAlpha(noiseLeaf<CEL_PixmapRGBA8>(50, 20));
         ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(c8), file("c8.tif"), format, {}, 300));
-        const TiffTags t = tagsOf(file("c8.tif"));
-        EXPECT_EQ(t.xResolution, 300.0f);
-        EXPECT_EQ(t.yResolution, 300.0f);
-        EXPECT_EQ(t.resolutionUnit, RESUNIT_INCH);
+        EXPECT_EQ(tagOf<float>(file("c8.tif"), TIFFTAG_XRESOLUTION), 300.0f);
+        EXPECT_EQ(tagOf<float>(file("c8.tif"), TIFFTAG_YRESOLUTION), 300.0f);
+        EXPECT_EQ(tagOf<uint16_t>(file("c8.tif"), TIFFTAG_RESOLUTIONUNIT), RESUNIT_INCH);
         const std::vector<uint32_t> seen = seenElsewhere(file("c8.tif"));
         ASSERT_EQ(seen.size(), c8->pixelCount());
         for (size_t i = 0; i < seen.size(); ++i) {
@@ -175,17 +166,17 @@ TEST_F(ScratchDir, ColourScansOpenOpaqueElsewhereWithTheirResolution)
         ASSERT_EQ(seen16.size(), c16->pixelCount());
         EXPECT_TRUE(std::all_of(seen16.begin(), seen16.end(), [](uint32_t v) { return TIFFGetA(v) == 255; }));
         EXPECT_TRUE(samePixels(*c16, readFile(file("c16.tif")).rep));
-        EXPECT_EQ(tagsOf(file("c16.tif")).xResolution, 0.0f);  // a cel of unknown dpi claims none
+        EXPECT_EQ(tagOf<float>(file("c16.tif"), TIFFTAG_XRESOLUTION), 0.0f);  // a cel of unknown dpi claims none
     }
 
     // An alpha of the picture's own: SCAN32 keeps it, SCAN24 drops it and
     // reads back with alpha 0, as scanned.
     auto alpha = noiseLeaf<CEL_PixmapRGBA8>(9, 9);
     ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(alpha), file("c32.tif"), QStringLiteral("SCAN32")));
-    EXPECT_EQ(tagsOf(file("c32.tif")).spp, 4);
+    EXPECT_EQ(tagOf<uint16_t>(file("c32.tif"), TIFFTAG_SAMPLESPERPIXEL), 4);
     EXPECT_TRUE(samePixels(*alpha, readFile(file("c32.tif")).rep));
     ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(alpha), file("c24.tif"), QStringLiteral("SCAN24")));
-    EXPECT_EQ(tagsOf(file("c24.tif")).spp, 3);
+    EXPECT_EQ(tagOf<uint16_t>(file("c24.tif"), TIFFTAG_SAMPLESPERPIXEL), 3);
     EXPECT_TRUE(samePixels(*withoutAlpha(alpha), readFile(file("c24.tif")).rep));
     EXPECT_FALSE(readFile(file("c24.tif")).info.hasAlpha);
 }
@@ -199,9 +190,8 @@ TEST_F(ScratchDir, DateComesFromTheFileNotItsModificationTime)
         ASSERT_TRUE(f.open(QIODevice::ReadWrite));
         ASSERT_TRUE(f.setFileTime(QDateTime(QDate(2001, 2, 3), QTime(4, 5, 6)), QFileDevice::FileModificationTime));
     }
-    const TiffTags t = tagsOf(file("d.tif"));
-    EXPECT_EQ(t.dateTime.size(), 19);
-    EXPECT_FALSE(t.software.isEmpty());
+    EXPECT_EQ(tagOf<QString>(file("d.tif"), TIFFTAG_DATETIME).size(), 19);
+    EXPECT_FALSE(tagOf<QString>(file("d.tif"), TIFFTAG_SOFTWARE).isEmpty());
     const ReadBack r = readFile(file("d.tif"));
     EXPECT_GE(r.date, before);
     EXPECT_LE(r.date, QDateTime::currentDateTime().addSecs(2));
@@ -241,4 +231,25 @@ TEST_F(ScratchDir, LastErrorBelongsToItsThread)
     std::thread([&] { other = CELIO_Manager::getInstance().lastError(); }).join();
     EXPECT_TRUE(other.isEmpty());
     EXPECT_FALSE(CELIO_Manager::getInstance().lastError().isEmpty());
+}
+
+// The closed list of pixmap formats the station stores scans in.
+TEST(PixmapFormatList, TheWriterHonoursEveryListedFormatAndNoOtherNumberIsKnown)
+{
+    const TUPixmapFormatList list(7);
+    // The numbers are what settings files store.
+    EXPECT_EQ(QStringList({list.pixmapNameFromFormat(2), list.pixmapNameFromFormat(4), list.pixmapNameFromFormat(24)}),
+              QStringList({"SCAN", "SCAN32", "TIFF"}));
+    QTemporaryDir dir;
+    auto cel = CEL_Cel::create(0);
+    cel->setRepresentation(CEL_RepresentationPtr(UT_makeShared<CEL_PixmapRGBA8>(3, 3)));
+    for (const TUPixmapFormat &f : list.formats()) {
+        const QString path = dir.filePath(QStringLiteral("f%1.%2").arg(f.number).arg(list.fileExtentionFromFormat(f.number)));
+        EXPECT_TRUE(CELIO_Manager::getInstance().write(cel.get(), path, f.extension, f.name, {})) << f.name;
+    }
+    for (int unknown : {-1, 0, 1, 3, 25, 1000}) {
+        EXPECT_TRUE(list.fileExtentionFromFormat(unknown).isEmpty());
+        EXPECT_TRUE(list.pixmapNameFromFormat(unknown).isEmpty());
+    }
+    EXPECT_TRUE(TUPixmapFormatList(3).formats().isEmpty());
 }

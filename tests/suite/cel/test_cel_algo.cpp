@@ -1,11 +1,14 @@
-// Moving and scaling leaves, against a direct two-dimensional reference.
+// The pixel kernels: flips, scaling and level stretch, against plain references.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
+#include <numeric>
+#include <tuple>
 #include <type_traits>
+#include <vector>
 
 #include "suite/cel/cel_algo.h"
 #include "tests/suite/cel/cel_leaf_fill.h"
@@ -162,4 +165,64 @@ TEST(CelScale, ProgressHearsEveryBandAndCanStop)
         EXPECT_FALSE(CelAlgo::scale(&src, 10, 200, tx, 0, 1, sy, &stop));
         EXPECT_EQ(stop.calls, (std::vector<int>{64, 128})) << tx << " " << sy;
     }
+}
+
+template <class Leaf>
+class CelPreFlipTyped : public ::testing::Test {};
+TYPED_TEST_SUITE(CelPreFlipTyped, CelLeafTypes);
+
+// Transposed first, then rows and columns mirrored; odd and even sizes,
+// single rows and columns, and sizes beyond one tile.
+TYPED_TEST(CelPreFlipTyped, EveryCombinationMatchesTheSteps)
+{
+    for (auto [w, h] : {std::pair{1, 1}, {1, 4}, {5, 1}, {2, 2}, {3, 2}, {4, 5}, {70, 131}, {129, 64}}) {
+        for (int mask = 0; mask < 8; ++mask) {
+            SCOPED_TRACE(testing::Message() << w << "x" << h << " mask " << mask);
+            const bool transpose = mask & 1, rows = mask & 2, columns = mask & 4;
+            const TypeParam source = patternLeaf<TypeParam>(w, h, uint32_t(mask + 1));
+            TypeParam leaf = source;
+            CelAlgo::preFlip(&leaf, transpose, rows, columns);
+            const int ow = transpose ? h : w, oh = transpose ? w : h;
+            ASSERT_EQ(leaf.width(), ow);
+            ASSERT_EQ(leaf.height(), oh);
+            for (int y = 0; y < oh; ++y)
+                for (int x = 0; x < ow; ++x) {
+                    const int u = columns ? ow - 1 - x : x, v = rows ? oh - 1 - y : y;
+                    ASSERT_EQ(leaf.at(x, y), transpose ? source.at(v, u) : source.at(u, v)) << x << "," << y;
+                }
+        }
+    }
+    TypeParam empty(5, 0);
+    CelAlgo::preFlip(&empty, true, true, false);
+    EXPECT_EQ(empty.width(), 0);
+    EXPECT_EQ(empty.height(), 5);
+}
+
+// Each level of a leaf through black and white points: the full range leaves
+// it alone, points spread the levels between them, no range makes two values.
+TEST(CelStretch, PointsSpreadTheLevelsBetween)
+{
+    std::vector<uint8_t> all(256);
+    std::iota(all.begin(), all.end(), 0);
+    const auto stretched = [&](double black, double white) {
+        CEL_PixmapMatte8 leaf(16, 16);
+        std::copy(all.begin(), all.end(), leaf.data());
+        CelAlgo::stretchGrayPixmap(&leaf, black, white);
+        return std::vector<uint8_t>(leaf.data(), leaf.data() + 256);
+    };
+    EXPECT_EQ(stretched(0.0, 1.0), all);
+    const auto p = stretched(51 / 255.0, 153 / 255.0);
+    EXPECT_EQ(std::tuple(p[0], p[51], p[52], p[102], p[153], p[255]), std::tuple(0, 0, 3, 128, 255, 255))
+        << "2.5 and 127.5 round up";
+    EXPECT_TRUE(std::is_sorted(p.begin(), p.end()));
+    const auto two = stretched(0.5, 0.25);
+    for (int v = 0; v < 256; ++v)
+        EXPECT_EQ(two[size_t(v)], v >= 128 ? 255 : 0) << v;
+
+    CEL_PixmapMatte8 empty(0, 0);
+    CelAlgo::stretchGrayPixmap(&empty, 0.2, 0.8);
+    CEL_PixmapMatte8 one(1, 1);
+    one.data()[0] = 200;
+    CelAlgo::stretchGrayPixmap(&one, 0.0, 200 / 255.0);
+    EXPECT_EQ(one.data()[0], 255);
 }

@@ -87,47 +87,28 @@ std::vector<std::vector<Math::Point2d>> plain_trace(BM_MaskMap mask) {
     return out;
 }
 
-}  // namespace
-
-// The row-wise stamp against a stamp done cell by cell, on pictures whose
-// bright pixels straddle word boundaries and picture edges. The stamp has the
-// larger of the two radii; with the second the larger, nothing is thinned.
-TEST(PegMask, MatchesACellByCellStamp) {
-    std::mt19937 rng(7);
-    for (int round = 0; round < 12; ++round) {
-        const int w = 60 + static_cast<int>(rng() % 150), h = 20 + static_cast<int>(rng() % 20);
-        const int r = static_cast<int>(rng() % 6);
-        const int threshold = 200 + static_cast<int>(rng() % 40);
-        BM_GreyMap grey(w, h);
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x) grey.set(x, y, rng() % 256);
-        const BM_GreyMap original = grey;
-        const Math::Box2d search = box(rng() % 10 - 3.5, rng() % 5 + 0.25, w - 20.0 + rng() % 30 + 0.5, h - rng() % 8 - 0.5);
-        const Math::Box2d excluded = box(20.5, 4, 40, 9.5);
-        BM_MaskMap mask;
-        build_peg_mask(grey, mask, threshold, search, excluded, r > 0 ? static_cast<int>(rng() % r) : 0, r, false);
-
-        const int x0 = std::max(0, static_cast<int>(std::floor(search.x0)));
-        const int x1 = std::min(w - 1, static_cast<int>(std::ceil(search.x1)));
-        const int y0 = std::max(0, static_cast<int>(std::floor(search.y0)));
-        const int y1 = std::min(h - 1, static_cast<int>(std::ceil(search.y1)));
-        BM_MaskMap expected(w, h);
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x) {
-                const bool inside = x >= x0 && x <= x1 && y >= y0 && y <= y1 && !(x >= 20 && x <= 40 && y >= 4 && y <= 10);
-                ASSERT_EQ(grey.get(x, y), inside ? original.get(x, y) : 0u) << x << "," << y;
-                if (!inside || static_cast<int>(original.get(x, y)) <= threshold) continue;
-                for (int dy = -r; dy <= r; ++dy)
-                    for (int dx = -r; dx <= r; ++dx)
-                        if (dx * dx + dy * dy <= r * r && x + dx >= 0 && x + dx < w && y + dy >= 0 && y + dy < h)
-                            expected.set(x + dx, y + dy, 1);
-            }
-        for (int y = 0; y < h; ++y)
-            ASSERT_EQ(std::vector<uint8_t>(mask.row(y), mask.row(y) + mask.bytesPerRow()),
-                      std::vector<uint8_t>(expected.row(y), expected.row(y) + expected.bytesPerRow()))
-                << "round " << round << " row " << y;
-    }
+// The stamp done cell by cell: every pixel above the threshold inside the
+// search box and outside the exclusion (each taken from the floor of its start
+// to the ceiling of its end) stamps a disc; the grey keeps only those looked at.
+BM_MaskMap plain_stamp(BM_GreyMap &grey, int threshold, const Math::Box2d &search, const Math::Box2d &excluded, int r) {
+    const int w = grey.width(), h = grey.height();
+    const auto in = [](const Math::Box2d &b, int x, int y) {
+        return !b.isEmpty() && x >= std::floor(b.x0) && x <= std::ceil(b.x1) && y >= std::floor(b.y0) && y <= std::ceil(b.y1);
+    };
+    BM_MaskMap mask(w, h);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            if (!in(search, x, y) || in(excluded, x, y)) grey.set(x, y, 0);
+            if (static_cast<int>(grey.get(x, y)) <= threshold) continue;
+            for (int dy = -r; dy <= r; ++dy)
+                for (int dx = -r; dx <= r; ++dx)
+                    if (dx * dx + dy * dy <= r * r && x + dx >= 0 && x + dx < w && y + dy >= 0 && y + dy < h)
+                        mask.set(x + dx, y + dy, 1);
+        }
+    return mask;
 }
+
+}  // namespace
 
 TEST(PegMask, ReportsFewerThanThreeValuesInTheBox) {
     BM_GreyMap grey(20, 6);
@@ -157,10 +138,10 @@ TEST(PegMask, ThinningMatchesTheLabellingSweep) {
         for (int y = 0; y < h; ++y)
             for (int x = 0; x < w; ++x) grey.set(x, y, rng() % 100 < (r1 ? 8 : 40) ? 200 : rng() % 100);
         BM_GreyMap original = grey, copy = grey;
-        BM_MaskMap thinned, stamped;
+        BM_MaskMap thinned;
         const int r = std::max(r1, r2), k = std::max(r - r2, 1), inner = k + 1;
         build_peg_mask(grey, thinned, 100, box(0, 0, w, h), kNoBox, r1, r2, keep);
-        build_peg_mask(copy, stamped, 100, box(0, 0, w, h), kNoBox, r, r, false);
+        const BM_MaskMap stamped = plain_stamp(copy, 100, box(0, 0, w, h), kNoBox, r);
 
         std::vector<std::vector<int>> label(static_cast<size_t>(h), std::vector<int>(static_cast<size_t>(w), 0));
         for (int y = 1; y < h; ++y)
@@ -230,11 +211,12 @@ TEST(ContourTracer, ReusedMarksAfterALowerPicture) {
     for (size_t i = 0; i < first.size(); ++i) EXPECT_EQ(third[i].points(), first[i].points());
 }
 
-// The quick paths of the search against plain ones, on tiny and degenerate
-// pictures and at the borders: a mask of only the band's rows against a
-// whole one, the word-wise tracer against the plain walk (and every crack
-// walked once), and the centroid over a band mask against the one over a
-// whole mask.
+// The search's paths against plain ones, on tiny and degenerate pictures,
+// at the borders and around word boundaries: the stamp, on a whole mask (with
+// the larger radius second: no thinning) and on one of only the band's rows,
+// against the cell-by-cell stamp; the word-wise tracer against the plain walk
+// (and every crack walked once); the centroid over a band mask against the
+// one over a whole mask.
 TEST(PegSearch, QuickPathsEqualPlainOnes) {
     struct Case {
         const char *name;
@@ -242,6 +224,7 @@ TEST(PegSearch, QuickPathsEqualPlainOnes) {
         unsigned bright;  // percent of pixels above the threshold
         Math::Box2d search;
         int r;
+        Math::Box2d excluded = kNoBox;
     };
     const Case cases[] = {
         {"1x1", 1, 1, 100, box(0, 0, 1, 1), 0},
@@ -256,6 +239,8 @@ TEST(PegSearch, QuickPathsEqualPlainOnes) {
         {"top band", 150, 60, 4, box(0, 0, 150, 10), 2},
         {"thin band over the sides", 73, 40, 30, box(-3, 20, 80, 21), 1},
         {"box off the picture", 30, 20, 50, box(40, 0, 50, 20), 2},
+        {"fractional box, excluded block", 203, 38, 5, box(-3.5, 2.25, 190.5, 35.5), 5, box(20.5, 4, 40, 9.5)},
+        {"excluded across the box", 97, 31, 8, box(5.75, 0.5, 90.25, 27.5), 3, box(-2, 10, 120, 12.5)},
     };
     std::mt19937 rng(17);
     for (const Case &c : cases) {
@@ -263,15 +248,18 @@ TEST(PegSearch, QuickPathsEqualPlainOnes) {
         BM_GreyMap grey(c.w, c.h);
         for (int y = 0; y < c.h; ++y)
             for (int x = 0; x < c.w; ++x) grey.set(x, y, rng() % 100 < c.bright ? 101 + rng() % 155 : rng() % 101);
-        BM_GreyMap bandGrey = grey;
+        BM_GreyMap bandGrey = grey, plainGrey = grey;
         BM_MaskMap whole, band;
-        build_peg_mask(grey, whole, 100, c.search, kNoBox, c.r, c.r, false);
+        build_peg_mask(grey, whole, 100, c.search, c.excluded, std::max(c.r - 1, 0), c.r, false);
         allocate_peg_mask(band, c.w, c.h, c.search, c.r);
-        build_peg_mask(bandGrey, band, 100, c.search, kNoBox, c.r, c.r, false);
+        build_peg_mask(bandGrey, band, 100, c.search, c.excluded, c.r, c.r, false);
+        const BM_MaskMap plain_mask = plain_stamp(plainGrey, 100, c.search, c.excluded, c.r);
         for (int y = 0; y < c.h; ++y)
             for (int x = 0; x < c.w; ++x) {
-                ASSERT_EQ(band.get(x, y), whole.get(x, y)) << x << "," << y;
-                ASSERT_EQ(bandGrey.get(x, y), grey.get(x, y)) << x << "," << y;
+                ASSERT_EQ(std::pair(whole.get(x, y), band.get(x, y)), std::pair(plain_mask.get(x, y), plain_mask.get(x, y)))
+                    << x << "," << y;
+                ASSERT_EQ(std::pair(grey.get(x, y), bandGrey.get(x, y)), std::pair(plainGrey.get(x, y), plainGrey.get(x, y)))
+                    << x << "," << y;
             }
 
         const std::vector<std::vector<Math::Point2d>> plain = plain_trace(whole);

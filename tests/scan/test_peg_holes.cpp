@@ -4,6 +4,7 @@
 #include <cstring>
 #include <random>
 #include <set>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -106,6 +107,26 @@ BM_MaskMap plain_stamp(BM_GreyMap &grey, int threshold, const Math::Box2d &searc
                         mask.set(x + dx, y + dy, 1);
         }
     return mask;
+}
+
+// The centroid as a plain sweep: masked pixels weighed by grey at their
+// indices and summed in row order (any other order rounds differently), in a
+// window clamped to the picture; the point comes back unchanged outside the
+// picture or when nothing weighs.
+Math::Point2d plain_centroid(const BM_MaskMap &mask, const BM_GreyMap &grey, Math::Point2d at, int width, int height) {
+    const int w = grey.width(), h = grey.height();
+    if (at.x < 0 || at.y < 0 || at.x >= w || at.y >= h) return at;
+    const int x0 = std::max(static_cast<int>(std::floor(at.x - width / 2)), 0);
+    const int x1 = std::min(static_cast<int>(std::ceil(at.x + width / 2)), w - 1);
+    const int y0 = std::max(static_cast<int>(std::floor(at.y - height / 2)), 0);
+    const int y1 = std::min(static_cast<int>(std::ceil(at.y + height / 2)), h - 1);
+    double weight = 0.0, sumX = 0.0, sumY = 0.0;
+    for (int y = y0; y <= y1; ++y)
+        for (int x = x0; x <= x1; ++x) {
+            const double g = mask.get(x, y) ? grey.get(x, y) / 255.0 : 0.0;
+            weight += g, sumX += g * x, sumY += g * y;
+        }
+    return weight == 0.0 ? at : Math::Point2d{sumX / weight, sumY / weight};
 }
 
 }  // namespace
@@ -215,8 +236,8 @@ TEST(ContourTracer, ReusedMarksAfterALowerPicture) {
 // at the borders and around word boundaries: the stamp, on a whole mask (with
 // the larger radius second: no thinning) and on one of only the band's rows,
 // against the cell-by-cell stamp; the word-wise tracer against the plain walk
-// (and every crack walked once); the centroid over a band mask against the
-// one over a whole mask.
+// (and every crack walked once); the centroid over either mask against the
+// plain sweep, to the bit.
 TEST(PegSearch, QuickPathsEqualPlainOnes) {
     struct Case {
         const char *name;
@@ -273,55 +294,26 @@ TEST(PegSearch, QuickPathsEqualPlainOnes) {
             walked += static_cast<size_t>(path.pointCount() - 1);
         }
         EXPECT_EQ(std::pair(walked, cracks.size()), std::pair(size_t(count_cracks(whole)), walked));
+        // Centroids in each polygon's window, at random points with random
+        // windows, and just outside each side with a window reaching in.
+        std::vector<std::tuple<Math::Point2d, int, int>> windows{
+            {{-0.125, 0}, 2 * c.w, 2 * c.h}, {{0, -0.5}, 2 * c.w, 2 * c.h},
+            {{double(c.w), 0}, 2 * c.w, 2 * c.h}, {{0, double(c.h)}, 2 * c.w, 2 * c.h}};
+        for (int i = 0; i < 6; ++i)
+            windows.push_back({{(rng() % (c.w * 8)) / 8.0, (rng() % (c.h * 8)) / 8.0}, static_cast<int>(rng() % (c.w + 10)),
+                               static_cast<int>(rng() % (c.h + 10))});
         for (size_t i = 0; i < plain.size(); ++i) {
             ASSERT_EQ(quick[i].points(), plain[i]) << "polygon " << i;
             ASSERT_EQ(fromBand[i].points(), plain[i]) << "polygon " << i;
             const Math::Box2d b = quick[i].boundingBox();
-            const Math::Point2d at{b.x0 + b.width() / 3, b.y0 + b.height() / 2};
-            const int bw = static_cast<int>(b.width() + 0.5), bh = static_cast<int>(b.height() + 0.5);
-            const Math::Point2d fromWhole = refine_dot(whole, grey, at, bw, bh);
-            const Math::Point2d fromBandMask = refine_dot(band, bandGrey, at, bw, bh);
-            ASSERT_EQ(std::pair(fromBandMask.x, fromBandMask.y), std::pair(fromWhole.x, fromWhole.y));
+            windows.push_back({{b.x0 + b.width() / 3, b.y0 + b.height() / 2}, static_cast<int>(b.width() + 0.5),
+                               static_cast<int>(b.height() + 0.5)});
         }
-    }
-}
-
-// The centroid weighs masked pixels by grey at their indices, summed pixel
-// by pixel in row order; any other order rounds differently, so the result
-// must equal a plain sweep to the last bit, for windows that start and end
-// inside mask bytes. Outside the picture, or with nothing to weigh, the point
-// comes back unchanged.
-TEST(RefineDot, EqualsAPlainSweepToTheBit) {
-    std::mt19937 rng(5);
-    for (int round = 0; round < 40; ++round) {
-        const int w = 20 + static_cast<int>(rng() % 90), h = 10 + static_cast<int>(rng() % 30);
-        BM_GreyMap grey(w, h);
-        BM_MaskMap mask(w, h);
-        const bool edge = round < 4;  // just outside each side, with a window that reaches in
-        const unsigned density = edge ? 50 : rng() % 100;
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x) {
-                grey.set(x, y, rng() % 4 == 0 ? 0 : rng() % 256);
-                mask.set(x, y, rng() % 100 < density);
-            }
-        const Math::Point2d edges[] = {{-0.125, 4}, {4, -0.5}, {double(w), 4}, {4, double(h)}};
-        const Math::Point2d at = edge ? edges[round] : Math::Point2d{(rng() % (w * 8)) / 8.0, (rng() % (h * 8)) / 8.0};
-        const int width = static_cast<int>(rng() % (w + 10)) + (edge ? w : 0);
-        const int height = static_cast<int>(rng() % (h + 10)) + (edge ? h : 0);
-
-        const int x0 = std::max(static_cast<int>(std::floor(at.x - width / 2)), 0);
-        const int x1 = std::min(static_cast<int>(std::ceil(at.x + width / 2)), w - 1);
-        const int y0 = std::max(static_cast<int>(std::floor(at.y - height / 2)), 0);
-        const int y1 = std::min(static_cast<int>(std::ceil(at.y + height / 2)), h - 1);
-        double weight = 0.0, sumX = 0.0, sumY = 0.0;
-        for (int y = y0; y <= y1; ++y)
-            for (int x = x0; x <= x1; ++x) {
-                const double g = mask.get(x, y) ? grey.get(x, y) / 255.0 : 0.0;
-                weight += g, sumX += g * x, sumY += g * y;
-            }
-        const bool outside = at.x < 0 || at.y < 0 || at.x >= w || at.y >= h;
-        const Math::Point2d want = weight == 0.0 || outside ? at : Math::Point2d{sumX / weight, sumY / weight};
-        const Math::Point2d got = refine_dot(mask, grey, at, width, height);
-        ASSERT_EQ(std::pair(got.x, got.y), std::pair(want.x, want.y)) << "round " << round;
+        for (const auto &[at, bw, bh] : windows) {
+            const Math::Point2d want = plain_centroid(whole, grey, at, bw, bh);
+            const Math::Point2d fromWhole = refine_dot(whole, grey, at, bw, bh), fromBand = refine_dot(band, bandGrey, at, bw, bh);
+            ASSERT_EQ(std::tuple(fromWhole.x, fromWhole.y, fromBand.x, fromBand.y), std::tuple(want.x, want.y, want.x, want.y))
+                << at.x << "," << at.y << " " << bw << "x" << bh;
+        }
     }
 }

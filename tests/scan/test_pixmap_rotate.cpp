@@ -110,20 +110,19 @@ struct Reference {
         for (int32_t j = 0; j < g.h; ++j)
             line([&](int32_t n) { return src.at(n, j); }, g.w, [&](int32_t x) { return one.at(x, j); },
                  int32_t(std::floor(float(j) * g.t)), g.w2, float(j) * g.t);
-        for (int32_t k = 0; k < g.w2; ++k) {
-            const float v = float(g.w - 1 - k) * g.s;
-            const int32_t off = int32_t(std::floor(v));
-            const int32_t from = off < 0 ? -off : 0, count = off < 0 ? g.h - 1 + off : g.h2 - off;
-            line([&](int32_t n) { return one.at(k, from + n); }, count, [&](int32_t y) { return two.at(k, y); },
-                 off < 0 ? 0 : off, g.h2, v);
-        }
-        for (int32_t r = 0; r < g.h2; ++r) {
-            const float v = (float(r) - float(g.w - 1) * g.s) * g.t;
-            const int32_t off = int32_t(std::floor(v));
-            const int32_t from = off < 0 ? -off : 0, count = off < 0 ? g.w2 - 1 + off : g.w2 - off;
-            line([&](int32_t n) { return two.at(from + n, r); }, count, [&](int32_t x) { return three.at(x, r); },
-                 off < 0 ? 0 : off, g.w2, v);
-        }
+        // Passes 2 and 3: a line shifted up is read from -off on, and holds
+        // `filled` values of the pass before.
+        const auto pass = [&](float v, int32_t filled, int32_t len, auto read, auto write) {
+            const int32_t off = int32_t(std::floor(v)), from = off < 0 ? -off : 0;
+            line([&](int32_t n) { return read(from + n); }, off < 0 ? filled - 1 + off : len - off, write,
+                 std::max(off, 0), len, v);
+        };
+        for (int32_t k = 0; k < g.w2; ++k)
+            pass(float(g.w - 1 - k) * g.s, g.h, g.h2, [&](int32_t y) { return one.at(k, y); },
+                 [&](int32_t y) { return two.at(k, y); });
+        for (int32_t r = 0; r < g.h2; ++r)
+            pass((float(r) - float(g.w - 1) * g.s) * g.t, g.w2, g.w2, [&](int32_t x) { return two.at(x, r); },
+                 [&](int32_t x) { return three.at(x, r); });
         Picture out = blank(src.kind, g.out_w, g.out_h, {0});
         for (int32_t y = 0; y < g.out_h; ++y)
             for (int32_t x = 0; x < g.out_w; ++x)

@@ -32,15 +32,6 @@ GR_BezierPath2d rectangle(double x, double y, double w, double h) {
     return path;
 }
 
-GR_BezierPath2d circle(Point2d centre, double radius, int points) {
-    GR_BezierPath2d path;
-    for (int i = 0; i <= points; ++i) {
-        const double t = 2.0 * std::numbers::pi * (i % points) / points;
-        path.append({centre.x + radius * std::cos(t), centre.y + radius * std::sin(t)});
-    }
-    return path;
-}
-
 testing::AssertionResult near(Point2d got, Point2d want, double tolerance) {
     if (std::abs(got.x - want.x) <= tolerance && std::abs(got.y - want.y) <= tolerance) return testing::AssertionSuccess();
     return testing::AssertionFailure() << "(" << got.x << ", " << got.y << ") is not within " << tolerance << " of ("
@@ -50,9 +41,7 @@ testing::AssertionResult near(Point2d got, Point2d want, double tolerance) {
 // Candidates of polygons on an empty mask, where refining leaves each
 // polygon's mean point as it is.
 PegCandidates candidates_of(const std::vector<GR_BezierPath2d> &polygons, const PegRegistrationOptions &o) {
-    const BM_MaskMap mask(400, 400);
-    const BM_GreyMap grey(400, 400);
-    return peg_candidates(polygons, mask, grey, o);
+    return peg_candidates(polygons, BM_MaskMap(400, 400), BM_GreyMap(400, 400), o);
 }
 
 // ---- candidates ----
@@ -99,7 +88,11 @@ TEST(PegCandidates, PointIsTheMeanOfAllPointsOrTheCentroidOfTheMask) {
 }
 
 TEST(PegCandidates, RoundHolesAreFittedCirclesAndNeverSlots) {
-    const GR_BezierPath2d hole = circle({150, 160}, 25.0, 72);
+    GR_BezierPath2d hole;  // a circle of radius 25 around (150, 160): 72 points and the first again
+    for (int i = 0; i <= 72; ++i) {
+        const double t = std::numbers::pi * (i % 72) / 36;
+        hole.append({150 + 25.0 * std::cos(t), 160 + 25.0 * std::sin(t)});
+    }
     PegCircle fit = fit_peg_circle(hole, 2.0, 1.0);
     EXPECT_TRUE(near(fit.centre, {300, 160}, 1e-9));
     fit = fit_peg_circle(hole, 1.0, 1.0);
@@ -223,15 +216,11 @@ TEST(PegSearchBox, BandOfEachSideIsInImagePixels) {
     PegRegistrationOptions o = options_at_200();
     o.calibX = 2.0;
     o.calibY = 0.5;
-    const struct {
-        int side;
-        double x0, y0, x1, y1;
-    } cases[] = {{1, 0, 0, 1000, 400}, {2, 0, 400, 1000, 800}, {3, 0, 0, 100, 800}, {4, 900, 0, 1000, 800},
-                 {7, 0, 0, 1000, 800}};
-    for (const auto &c : cases) {
-        o.side = c.side;
+    for (auto [side, x0, y0, x1, y1] : {std::tuple(1, 0, 0, 1000, 400), {2, 0, 400, 1000, 800}, {3, 0, 0, 100, 800},
+                                         {4, 900, 0, 1000, 800}, {7, 0, 0, 1000, 800}}) {
+        o.side = side;
         const Math::Box2d box = search_box_of_pegs(1000, 800, o);
-        EXPECT_EQ(std::tuple(box.x0, box.y0, box.x1, box.y1), std::tuple(c.x0, c.y0, c.x1, c.y1)) << c.side;
+        EXPECT_EQ(std::tuple(box.x0, box.y0, box.x1, box.y1), std::tuple(x0, y0, x1, y1)) << side;
     }
 }
 
@@ -246,7 +235,7 @@ const Point2d kMiddleOfSide[] = {{}, {1000, 100}, {1000, 1900}, {100, 1000}, {19
 // inch across and two slots 8 inches apart, the bar turned by `turn` radians
 // counter-clockwise (seen with y up) and drawn `scaleX`, `scaleY` times its
 // size. Pixel (x, y) covers x..x+1, so the middle hole's index is `middle`.
-QImage punched_page(int side, double turn, double scaleX = 1.0, double scaleY = 1.0) {
+CEL_PixmapPtr punched_page(int side, double turn, double scaleX = 1.0, double scaleY = 1.0) {
     QImage page(kPage, kPage, QImage::Format_Grayscale8);
     page.fill(255);
     QPainter painter(&page);
@@ -259,10 +248,7 @@ QImage punched_page(int side, double turn, double scaleX = 1.0, double scaleY = 
     painter.rotate(-turn * 180.0 / std::numbers::pi + (side >= 3 ? 90.0 : 0.0));
     painter.drawEllipse(QPointF(0, 0), 25.0, 25.0);
     for (const double x : {-800.0, 800.0}) painter.drawRoundedRect(QRectF(x - 50, -15, 100, 30), 15, 15);
-    return page;
-}
-
-CEL_PixmapPtr matte8_of(const QImage &page) {
+    painter.end();
     auto pixmap = UT_makeShared<CEL_PixmapMatte8>(page.width(), page.height());
     for (int y = 0; y < page.height(); ++y)
         std::memcpy(pixmap->row(y), page.constScanLine(y), static_cast<size_t>(page.width()));
@@ -280,39 +266,38 @@ Found register_page(const CEL_PixmapPtr &picture, const PegRegistrationOptions &
 }
 
 // Colour pages, failures and other resolutions are measured on the test
-// scanner's chart; here, the angle each side's bar comes back with.
+// scanner's chart; here, the angle each side's bar comes back with, and a
+// calibrated search, traced on request.
 TEST(OpticalRegistration, FindsTheMiddleHoleAndTheTurnOnEverySide) {
     const double turn = 0.4 * std::numbers::pi / 180.0;
     const double tolerance = 0.01 * std::numbers::pi / 180.0;
     for (int side = 1; side <= 4; ++side) {
-        const Found f = register_page(matte8_of(punched_page(side, turn)), options_at_200(side));
+        const Found f = register_page(punched_page(side, turn), options_at_200(side));
         ASSERT_TRUE(f.ok) << "side " << side;
         EXPECT_TRUE(near({f.x, f.y}, kMiddleOfSide[side], 0.25)) << "side " << side;
         // The top bar runs right to left: its corrected angle is left near -2π.
         EXPECT_NEAR(f.angle, side == 1 ? turn - 2.0 * std::numbers::pi : turn, tolerance) << "side " << side;
     }
     // Turned the other way, the top bar's angle lands near 0.
-    EXPECT_NEAR(register_page(matte8_of(punched_page(1, -turn)), options_at_200(1)).angle, -turn, tolerance);
+    EXPECT_NEAR(register_page(punched_page(1, -turn), options_at_200(1)).angle, -turn, tolerance);
     EXPECT_FALSE(register_page(CEL_PixmapPtr(), options_at_200()).ok);
-}
 
-// A scanner that stretches x by 1/1.25 and y by 1/0.8: the page is drawn that
-// much smaller, the calibration brings the bar back to 8 inches.
-TEST(OpticalRegistration, CalibratedSearchIsInImagePixelsAndTracedOnRequest) {
+    // A scanner that stretches x by 1/1.25 and y by 1/0.8: the page is drawn
+    // that much smaller, the calibration brings the bar back to 8 inches.
     PegRegistrationOptions o = options_at_200();
     o.calibX = 1.25;
     o.calibY = 0.8;
     o.rdebug = true;
-    const CEL_PixmapPtr page = matte8_of(punched_page(2, 0.0, 1.0 / o.calibX, 1.0 / o.calibY));
+    const CEL_PixmapPtr page = punched_page(2, 0.0, 1.0 / o.calibX, 1.0 / o.calibY);
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    const Found f = register_page(page, o);
+    const Found calibrated = register_page(page, o);
     const std::string out = testing::internal::GetCapturedStdout();
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "Performing optical registration. Looseness factor is 2.000000\nCalibration values: 1.250000 0.800000\n");
-    ASSERT_TRUE(f.ok);
-    EXPECT_TRUE(near({f.x, f.y}, kMiddleOfSide[2], 0.25));
-    EXPECT_NEAR(f.angle, 0.0, 0.01 * std::numbers::pi / 180.0);
+    ASSERT_TRUE(calibrated.ok);
+    EXPECT_TRUE(near({calibrated.x, calibrated.y}, kMiddleOfSide[2], 0.25));
+    EXPECT_NEAR(calibrated.angle, 0.0, tolerance);
     EXPECT_NE(out.find("Found a center peg candidate at: ("), std::string::npos) << out;
     EXPECT_NE(out.find("Found a side peg candidate at coordinates ("), std::string::npos);
     EXPECT_EQ(out.find("Distances"), std::string::npos);  // round holes only

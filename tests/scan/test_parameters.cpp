@@ -14,6 +14,8 @@ TEST(StandardParameters, InitialisersSetTheRangeOrRefuseAndLeaveTheSetUnchanged)
               std::tuple(0, 255, 100, 300));
     ASSERT_TRUE(init_gamma_of_Standard_parameters(&p, 0.01f, 3.0f, 1.0f));
     EXPECT_FLOAT_EQ(gamma_of_Standard_parameters(&p), 1.0f);
+    remove_gamma_of_Standard_parameters(&p);
+    EXPECT_FALSE(has_gamma_of_Standard_parameters(&p));
 
     // A negative bound, min not below max, a default outside.
     for (auto [min, max, value] : {std::tuple(-1, 255, 20), {10, 10, 10}, {0, 255, 256}})

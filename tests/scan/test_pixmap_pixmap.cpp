@@ -48,6 +48,9 @@ TEST(PixmapSlots, SetReplaceAndRelease)
     EXPECT_EQ(std::tuple(matte16_of_pixmap(pm.get())->width(), width_of_pixmap(pm.get()), height_of_pixmap(pm.get()),
                          pm->owns_data),
               std::tuple(3, 3, 2, 0));
+    set_size_of_pixmap(pm.get(), 10, 11);  // the record only: the pixels stay as they are
+    EXPECT_EQ(std::tuple(width_of_pixmap(pm.get()), height_of_pixmap(pm.get()), matte16_of_pixmap(pm.get())->width()),
+              std::tuple(10, 11, 3));
 
     MessageCapture capture;
     const auto bigger = UT_makeShared<CEL_PixmapMatte16>(6, 5);

@@ -131,13 +131,10 @@ TEST_F(ConfTest, FloatChecksKeepOrReplaceTheValue) {
                               "oppositeSideCleanSize: 1e999\nSide3CleanSize: -1\nxScaleAdjustment: 0\n"
                               "yScaleAdjustment: 1.01\nleftOffset: -0.5\n") +
          block("Bogus-Color", "Side0CleanSize: 2\nSide2CleanSize: 4\n", "Aliases"));
-    const std::string p = path();
-    EXPECT_EQ(errors(), (Errors{"Config file " + p + ": defaultGamma should be > 0.0.\n",
-                                "Config file " + p + ": pegPitch should be > 0.0.\n",
-                                "Config file " + p + ": Side0CleanSize should be > 0.0.\n",
-                                "Config file " + p + ": Side3CleanSize should be > 0.0.\n",
-                                "Config file " + p + ": xscale should be > 0.0.\n",
-                                "Config file " + p + ": leftOffset should be > 0.0.\n"}));
+    Errors want;
+    for (const char *key : {"defaultGamma", "pegPitch", "Side0CleanSize", "Side3CleanSize", "xscale", "leftOffset"})
+        want.push_back("Config file " + path() + ": " + key + " should be > 0.0.\n");
+    EXPECT_EQ(errors(), want);
     ScannerEntry *e = entry(0);
     EXPECT_FLOAT_EQ(defaultGamma_of_ScannerEntry(e), 0.0000000001f);
     EXPECT_FLOAT_EQ(pegPitch_of_ScannerEntry(e), -2.0f);  // reported, kept

@@ -6,10 +6,11 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build ccache pkg-config
   qt6-base-dev qt6-base-dev-tools
-  libtiff-dev libtiff-tools
+  libtiff-dev
   libgtest-dev libgmock-dev libbenchmark-dev libopencv-imgproc-dev
   clang libclang-rt-14-dev
   libqt6sql6-sqlite libqt6sql6-psql libsqlite3-dev postgresql
+  locales
 )
 
 missing=()

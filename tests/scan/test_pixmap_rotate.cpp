@@ -249,29 +249,28 @@ TEST(RotateArithmetic, StepsTurnsSizesAndAngles)
     EXPECT_EQ(rotation_angle_from_radians(-M_PI / 2), 90.0f);
 }
 
-// The centre is carried along: a mark at the centre ends up there.
-TEST(RotateShears, TheCentreFollowsThePicture)
+// The call: the centre is carried along (a mark at the centre ends up
+// there); zero does nothing, before any check; a full turn, null pointers and
+// an empty pixmap change nothing; bounds are cut to the picture, and a right
+// edge past it moves the left edge to the last column, the part reading on
+// along the rows.
+TEST(RotateCalls, CentreNoOpsBadCallsAndBounds)
 {
     Picture src = blank(PIXMAP_MATTE8, 64, 48, {0});
     for (int dy = -1; dy <= 1; ++dy)
         for (int dx = -1; dx <= 1; ++dx)
             *src.at(40 + dx, 20 + dy) = 255;
     for (float angle : {2.0f, 30.0f, 75.0f, 130.0f, 250.0f, 333.0f}) {
-        float cx = 40.0f, cy = 20.0f;
-        const Picture out = rotated(src, angle, nullptr, &cx, &cy);
+        float mx = 40.0f, my = 20.0f;
+        const Picture out = rotated(src, angle, nullptr, &mx, &my);
         double sum = 0, sx = 0, sy = 0;
         for (int32_t y = 0; y < out.h; ++y)
             for (int32_t x = 0; x < out.w; ++x)
                 sum += *out.at(x, y), sx += double(x) * *out.at(x, y), sy += double(y) * *out.at(x, y);
         ASSERT_GT(sum, 0) << angle;
-        EXPECT_LT(std::max(std::fabs(sx / sum - cx), std::fabs(sy / sum - cy)), 1.5) << angle;
+        EXPECT_LT(std::max(std::fabs(sx / sum - mx), std::fabs(sy / sum - my)), 1.5) << angle;
     }
-}
 
-// Zero does nothing, before any check; a full turn, null pointers and an
-// empty pixmap change nothing.
-TEST(RotateCalls, NoOpsAndBadCallsChangeNothing)
-{
     const bool wasDebug = TUMessage::instance()->isDebugMode();
     TUMessage::instance()->setDebugMode(true);
     MessageCapture capture;
@@ -296,15 +295,10 @@ TEST(RotateCalls, NoOpsAndBadCallsChangeNothing)
     EXPECT_EQ(capture.assertions(), 4);
     release_pixmap(pm);
     TUMessage::instance()->setDebugMode(wasDebug);
-}
 
-// Bounds are cut to the picture; a right edge past the picture moves the left
-// edge to the last column and the part reads on along the rows.
-TEST(RotateLimits, BoundsAreCutToThePicture)
-{
-    Picture src = blank(PIXMAP_MATTE8, 4, 3, {0});
-    for (size_t i = 0; i < src.v.size(); ++i)
-        src.v[i] = int32_t(i);  // row y holds 4y .. 4y+3
+    Picture counting = blank(PIXMAP_MATTE8, 4, 3, {0});
+    for (size_t i = 0; i < counting.v.size(); ++i)
+        counting.v[i] = int32_t(i);  // row y holds 4y .. 4y+3
     struct Case {
         const char *name;
         int32_t x0, x1, y0, y1;
@@ -321,9 +315,9 @@ TEST(RotateLimits, BoundsAreCutToThePicture)
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
-        float cx = c.cx, cy = c.cy;
-        const Picture out = rotated(src, 180.0f, nullptr, &cx, &cy, std::array{c.x0, c.x1, c.y0, c.y1});
-        EXPECT_EQ(std::tuple(out.w, out.v, cx, cy), std::tuple(c.w, c.v, c.want_cx, c.want_cy));
+        float px = c.cx, py = c.cy;
+        const Picture out = rotated(counting, 180.0f, nullptr, &px, &py, std::array{c.x0, c.x1, c.y0, c.y1});
+        EXPECT_EQ(std::tuple(out.w, out.v, px, py), std::tuple(c.w, c.v, c.want_cx, c.want_cy));
     }
 }
 

@@ -1,4 +1,4 @@
-// Pixel leaves: shared ownership, copies, screen pictures and grey conversions.
+// Pixel leaves: the shared count under threads, screen pictures and grey conversions.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -19,25 +19,8 @@ struct Tracked : UT_ShareBaseSafe {
 
 } // namespace
 
-TEST(CelShare, CopiesMovesAndCastsKeepTheCountAndTheLastOwnerDeletes)
-{
-    int deaths = 0;
-    auto a = UT_makeShared<Tracked>(&deaths);
-    {
-        UT_SharePtr<Tracked> b = a;
-        UT_SharePtr<UT_ShareBaseSafe> base = a;
-        UT_SharePtr<Tracked> moved = std::move(b);
-        EXPECT_FALSE(b);
-        EXPECT_EQ(a->refCount(), 3);
-        EXPECT_TRUE(UT_dynamicCast<Tracked>(base));
-        EXPECT_FALSE(UT_dynamicCast<CEL_PixmapMatte8>(base));
-        EXPECT_EQ(a->refCount(), 3);  // casts took and gave back their reference
-    }
-    EXPECT_EQ(a->refCount(), 1);
-    a.reset();
-    EXPECT_EQ(deaths, 1);
-}
-
+// Copies, moves and casts are used throughout the code under the sanitizers;
+// what those can't see is a count that is not atomic.
 TEST(CelShare, CopiesFromManyThreadsKeepTheCount)
 {
     int deaths = 0;

@@ -1,7 +1,8 @@
 #pragma once
-// Shared set-up of the selection dialog tests: a production in an embedded
-// SQLite file in a temporary folder, reports recorded instead of shown, and
-// a way to act inside a modal dialog.
+// Shared set-up of the window tests: a production in an embedded SQLite file
+// in a temporary folder, reports recorded instead of shown, and ways to act
+// inside a modal dialog.
+#include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QTemporaryDir>
@@ -14,6 +15,21 @@
 
 #include "suite/base/message_fixture.h"
 #include "suite/db/sql_db_access.h"
+
+// Acts once on the next modal dialog of type T, which is closed afterwards
+// if the step left it open; the watch ends with `owner`.
+template <typename T>
+void atNextDialog(QObject *owner, std::function<void(T *)> step) {
+    auto *timer = new QTimer(owner);
+    QObject::connect(timer, &QTimer::timeout, owner, [timer, step] {
+        auto *dialog = qobject_cast<T *>(QApplication::activeModalWidget());
+        if (!dialog) return;
+        timer->stop();
+        step(dialog);
+        if (dialog->isVisible()) dialog->reject();
+    });
+    timer->start(5);
+}
 
 class SelectionTest : public ::testing::Test {
 protected:

@@ -25,10 +25,9 @@
 #include "app/tumanual_list_dlg.h"
 #include "app/tumenu_button.h"
 #include "scan/scanner_device.h"
-#include "suite/base/message_fixture.h"
 #include "suite/base/osw_util.h"
-#include "suite/db/sql_db_access.h"
 #include "qstring_print.h"
+#include "selection_fixture.h"
 #include "support/screenshot.h"
 #include "workflow/config.h"
 #include "workflow/connect_database.h"
@@ -66,35 +65,14 @@ private:
     QTimer timer_;
 };
 
-// Acts once on the next modal dialog of type T, which is closed afterwards
-// if the step left it open; the watch ends with `owner`.
-template <typename T>
-void atNextDialog(QObject *owner, std::function<void(T *)> step) {
-    auto *timer = new QTimer(owner);
-    QObject::connect(timer, &QTimer::timeout, owner, [timer, step] {
-        auto *dialog = qobject_cast<T *>(QApplication::activeModalWidget());
-        if (!dialog) return;
-        timer->stop();
-        step(dialog);
-        if (dialog->isVisible()) dialog->reject();
-    });
-    timer->start(5);
-}
-
-class StationWindowTest : public ::testing::Test {
+class StationWindowTest : public SelectionTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        ASSERT_TRUE(QDir(dir_.path()).mkdir(QStringLiteral("logs")));
+        ASSERT_NO_FATAL_FAILURE(SelectionTest::SetUp());
         oldCwd_ = QDir::currentPath();
         QDir::setCurrent(dir_.path());
         oldSleep_ = set_sleep_function_of_ScanDevice([](int) {});
         ASSERT_TRUE(oswUtil::getShortMachineName(host_));
-        messages_ = std::make_unique<InstalledMessage>(
-            std::make_unique<RecordingMessage>(settingsIn(dir_.filePath(QStringLiteral("logs")))));
-        db_ = std::make_unique<SqlDbAccess>(dir_.filePath(QStringLiteral("production.db")));
-        db_->dba_Initialize2dSystem(QStringLiteral("test"));
-        ASSERT_EQ(db_->dba_Open2dDatabaseSession(), 0) << db_->lastError().toStdString();
         selector_ = std::make_unique<TUDbSelector>(db_.get(), db_.get(), selector_user_types());
         window_ = std::make_unique<TUKqScan>(db_.get(), selector_.get(), false, false);
     }
@@ -113,7 +91,7 @@ protected:
     // The colour test scanner and a black and white one.
     std::string twoScanners() const {
         return block("Test Scanner", "Bogus-Color", "defaultPegSide: Bottom\ndefaultResolution: 200\n") +
-               block("Line Art", "Bogus-B&W", "defaultResolution: 300\ndefaultPegSide: Top\n");
+               block("Line Art Of The Ink Room", "Bogus-B&W", "defaultResolution: 300\ndefaultPegSide: Top\n");
     }
 
     // Starts the session on a Scan.conf of these blocks and shows the window.
@@ -153,12 +131,9 @@ protected:
         entry->trigger();
     }
 
-    QTemporaryDir dir_;
     QString oldCwd_;
     QString host_;
     ScanSleepFunction oldSleep_ = nullptr;
-    std::unique_ptr<InstalledMessage> messages_;
-    std::unique_ptr<SqlDbAccess> db_;
     std::unique_ptr<TUDbSelector> selector_;
     std::unique_ptr<TUKqScan> window_;
     ScanConfig *config_ = nullptr;

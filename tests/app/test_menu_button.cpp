@@ -22,59 +22,44 @@ TEST(MenuButtonText, DropsAcceleratorsAndCutsAtTheLimit) {
     for (const auto &[entry, limit, shown] : cases) EXPECT_EQ(TUMenuButton::buttonText(entry, limit), shown) << entry.toStdString();
 }
 
-TEST(MenuButton, FirstEntryIsCurrentUntilAnotherIsMarked) {
+// The first entry is current until another is marked or triggered; an
+// unknown id changes nothing; removing the current entry falls back to the
+// first one left, or to nothing.
+TEST(MenuButton, TheCurrentEntryAsEntriesComeAndGo) {
     TUMenuButton b;
     EXPECT_EQ(b.currentId(), -1);
-    b.addEntry(QStringLiteral("&Bottom Peg"), 4);
-    b.addEntry(QStringLiteral("&Top Peg"), 2);
-    EXPECT_EQ(b.currentId(), 4);
-    EXPECT_EQ(b.text(), QStringLiteral("Bottom Peg"));
-    b.setCurrent(2);
-    EXPECT_EQ(b.text(), QStringLiteral("Top Peg"));
-    EXPECT_TRUE(b.entry(2)->isChecked());
-    EXPECT_FALSE(b.entry(4)->isChecked());
-    // An id no entry has (a dpi of 500 from a file, say) leaves the button alone.
-    b.setCurrent(500);
-    EXPECT_EQ(b.currentId(), 2);
-    EXPECT_EQ(b.text(), QStringLiteral("Top Peg"));
-    EXPECT_EQ(b.idAt(0), 4);
-    EXPECT_EQ(b.idAt(1), 2);
-    EXPECT_EQ(b.idAt(2), -1);
-}
-
-TEST(MenuButton, RemovingTheCurrentEntryFallsBackToTheFirst) {
-    TUMenuButton b;
     b.addEntry(QStringLiteral("No Scanner"), 9999);
-    b.addEntry(QStringLiteral("Test Scanner"), 0);
-    b.addEntry(QStringLiteral("Line Art"), 1);
-    b.removeEntry(9999);
-    EXPECT_EQ(b.count(), 2);
-    EXPECT_EQ(b.text(), QStringLiteral("Test Scanner"));
-    EXPECT_EQ(b.currentId(), 0);
-    b.setCurrent(1);
-    b.removeEntry(0);  // not current: nothing else changes
-    EXPECT_EQ(b.text(), QStringLiteral("Line Art"));
-    b.removeEntry(1);
-    EXPECT_EQ(b.text(), QString());
-    EXPECT_EQ(b.currentId(), -1);
-    b.addEntry(QStringLiteral("Again"), 7);
-    b.clear();
-    EXPECT_EQ(b.count(), 0);
-    EXPECT_EQ(b.currentId(), -1);
-    EXPECT_TRUE(b.text().isEmpty());
-}
-
-TEST(MenuButton, ATriggeredEntryBecomesCurrentAndIsSignalled) {
-    TUMenuButton b;
     b.addEntry(QStringLiteral("1&2 Field"), 0);
     b.addEntry(QStringLiteral("1&6 Field"), 1);
-    b.setEntryEnabled(5, false);  // unknown: no effect, no crash
+    EXPECT_EQ(b.currentId(), 9999);
+    b.setCurrent(0);
+    EXPECT_TRUE(b.entry(0)->isChecked());
+    EXPECT_FALSE(b.entry(9999)->isChecked());
+    b.setCurrent(500);  // a dpi of 500 from a file, say
+    b.setEntryEnabled(5, false);
+    EXPECT_EQ(b.text(), QStringLiteral("12 Field"));
+    EXPECT_EQ(b.idAt(2), 1);
+    EXPECT_EQ(b.idAt(3), -1);
+
     QSignalSpy spy(&b, &TUMenuButton::activated);
     b.entry(1)->trigger();
     ASSERT_EQ(spy.count(), 1);
     EXPECT_EQ(spy.at(0).at(0).toInt(), 1);
     EXPECT_EQ(b.currentId(), 1);
     EXPECT_EQ(b.text(), QStringLiteral("16 Field"));
+
+    b.removeEntry(9999);  // not current: nothing else changes
+    EXPECT_EQ(b.text(), QStringLiteral("16 Field"));
+    b.removeEntry(1);
+    EXPECT_EQ(b.text(), QStringLiteral("12 Field"));
+    EXPECT_EQ(b.currentId(), 0);
+    b.removeEntry(0);
+    EXPECT_EQ(b.currentId(), -1);
+    EXPECT_TRUE(b.text().isEmpty());
+    b.addEntry(QStringLiteral("Again"), 7);
+    b.clear();
+    EXPECT_EQ(b.count(), 0);
+    EXPECT_EQ(b.currentId(), -1);
 }
 
 TEST(MenuButton, PressingPopsTheMenuUpUnderTheButtonOnlyWithEntries) {

@@ -197,33 +197,9 @@ TEST_F(MainImageTest, ZoomDragStepsTheSliderEveryTwentyFivePixels) {
     EXPECT_FALSE(scroll->moved());
 }
 
-TEST(ScanImageCopyTest, PreviewFitsItsFixedSizeAndOverviewSharesAtOneToFour) {
-    TUScanImage main(0), preview(1), overview(2);
-    preview.setFixedSize(300, 200);
-    preview.setFixedSizeForCopies(300, 200);
-    overview.setFixedSize(300, 100);
-    GreyDrawing sheet(ramp(1200, 400));
-    main.setDrawing(sheet.drawing);
-
-    TUScanImage::copyFrom(&preview, &main);
-    const QImage &small = preview.scrollImage()->image();
-    EXPECT_EQ(small.size(), QSize(300, 100));  // the aspect ratio kept
-    EXPECT_EQ(small.depth(), 32);
-    EXPECT_EQ(preview.scrollImage()->displayedSize(), QSize(300, 200));
-
-    TUScanImage::copyFrom(&overview, &main);
-    EXPECT_TRUE(overview.scrollImage()->borrowed());
-    EXPECT_EQ(overview.scrollImage()->scaleFactor(), -3);
-    EXPECT_EQ(overview.scrollImage()->displayedSize(), QSize(300, 100));
-    EXPECT_EQ(overview.scrollImage()->image().cacheKey(), main.scrollImage()->image().cacheKey());
-
-    overview.clear();
-    main.clear();
-    TUScanImage::copyFrom(&preview, &main);
-    EXPECT_TRUE(preview.scrollImage()->image().isNull());
-}
-
-TEST(ScanImageChartTest, ShowsAPaintedTestScannerChart) {
+// The frame preview keeps its own copy fitted to its fixed size; the
+// overview shares the main image at 1:4 and opens on the sheet's middle row.
+TEST(ScanImageCopyTest, ShowsAPaintedTestScannerChartInAllThreeViews) {
     const QImage chart = paint_field_chart(12.0, 50.0, false, 1.0, 1.0, FieldChartSkew());
     GreyDrawing sheet(chart);
     QWidget window;
@@ -239,8 +215,15 @@ TEST(ScanImageChartTest, ShowsAPaintedTestScannerChart) {
     TUScanImage::copyFrom(&overview, &main);
     TUScanImage::copyFrom(&preview, &main);
     save_screenshot(&window, QStringLiteral("preview_field_chart"));
-    // The overview opens on the sheet's middle row; its whole width fits.
+    const QImage &small = preview.scrollImage()->image();
+    EXPECT_TRUE(small.width() == 300 || small.height() == 200) << small.width() << "x" << small.height();
+    EXPECT_NEAR(double(small.width()) / small.height(), double(chart.width()) / chart.height(), 0.02);
+    EXPECT_EQ(small.depth(), 32);
+    EXPECT_EQ(preview.scrollImage()->displayedSize(), QSize(300, 200));
     const TUScrollImage *over = overview.scrollImage();
+    EXPECT_TRUE(over->borrowed());
+    EXPECT_EQ(over->scaleFactor(), -3);
+    EXPECT_EQ(over->image().cacheKey(), main.scrollImage()->image().cacheKey());
     EXPECT_EQ(over->displayedSize(), QSize(chart.width() / 4, chart.height() / 4));
     EXPECT_EQ(scrollPosition(over), QPoint(0, chart.height() / 8 - over->viewport()->height() / 2));
 
@@ -253,6 +236,11 @@ TEST(ScanImageChartTest, ShowsAPaintedTestScannerChart) {
         for (int x = 0; x < covered.width(); x += 4) (qGray(shown.pixel(x, y)) < 64 ? dark : light)++;
     EXPECT_GT(dark, 0);
     EXPECT_GT(light, 0);
+
+    overview.clear();
+    main.clear();
+    TUScanImage::copyFrom(&preview, &main);
+    EXPECT_TRUE(preview.scrollImage()->image().isNull());
 }
 
 }  // namespace

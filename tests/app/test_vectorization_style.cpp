@@ -44,7 +44,6 @@ protected:
 
 TEST_F(VectorizationStyleTest, CancelGoesBackToTheRowChosenBeforeShowing) {
     TUVectOptionsDlg dialog(nullptr);
-    EXPECT_EQ(dialog.objectName(), "vectoptionsdlg");
     EXPECT_EQ(dialog.list()->count(), 3);
     EXPECT_EQ(dialog.currentName(), "Default Style");
     EXPECT_EQ(dialog.currentOptions(), " ");
@@ -81,8 +80,6 @@ TEST_F(VectorizationStyleTest, TheWindowNamesTheChosenStyleAndQueuesItsLine) {
     TUVectOptionsDlg *dialog = window_->styleDialog();
     ASSERT_NE(dialog, nullptr);
     EXPECT_TRUE(dialog->isVisible());
-    EXPECT_EQ(dialog->parentWidget(), window_.get());
-    EXPECT_EQ(window_->vectorizationStyleLabel()->text(), "Vectorization Style: Default Style");
     dialog->list()->setCurrentRow(2);
     dialog->accept();
 
@@ -96,14 +93,8 @@ TEST_F(VectorizationStyleTest, AMissingStyleListIsToldOnceAtStartAndNotDuringASc
     const QString path = dir_.filePath(QStringLiteral("VectOptions.conf"));
     ASSERT_TRUE(QFile::remove(path));
     start(twoScanners());
-    const auto told = [this, &path] {
-        int n = 0;
-        for (const auto &report : static_cast<RecordingMessage *>(messages_->get())->shown)
-            n += report.texts.contains("Error opening file " + path);
-        return n;
-    };
-    EXPECT_EQ(told(), 1);
+    EXPECT_EQ(reported().count("Error opening file " + path), 1);
     EXPECT_EQ(window_->vectorizationStyleLabel()->text(), "Vectorization Style: Default Style");
     EXPECT_EQ(window_->vectorizationStyleLine(), " ") << "the queue line of a scan";
-    EXPECT_EQ(told(), 1);
+    EXPECT_EQ(reported().count("Error opening file " + path), 1);
 }

@@ -133,31 +133,28 @@ TEST_F(BindingTest, TheEntryCarriesTheDrawingAndItsSceneForVectorizeOrPix2vec) {
     EXPECT_TRUE(traced("Process 1 with Pix2vec."));
 }
 
-TEST_F(BindingTest, TheOptionLineNamesPencilTestAndARealCalibrationOnly) {
-    const auto optionsWith = [&](const std::string &adjust, bool pencil) {
-        ScanConfig *c = bound({"1"}, adjust);
-        c->pencil_test = pencil;
+// The line names pencil test and a real calibration only, then the chosen
+// style's line.
+TEST_F(BindingTest, TheOptionLineOfAnEntry) {
+    const struct Case { const char *adjust; bool pencil; const char *style, *options; } cases[] = {
+        {"xScaleAdjustment: 1.0\nyScaleAdjustment: 1.0\n", false, "", ""},
+        {"xScaleAdjustment: 1.000004\n", false, "", ""},  // within the tolerance
+        {"xScaleAdjustment: 1.25\n", false, "", "-scanner_calibrate 1.25 1 "},
+        {"yScaleAdjustment: 0.99998\n", false, "", "-scanner_calibrate 1 0.99998 "},
+        {"xScaleAdjustment: 1.0123456789\n", true, "", "-no_color_art -scanner_calibrate 1.01235 1 "},
+        {"xScaleAdjustment: 1.5\n", true, "-smooth 3 -gap 2", "-no_color_art -scanner_calibrate 1.5 1 -smooth 3 -gap 2"},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.adjust);
+        window_.styleLine = QString::fromUtf8(c.style);
+        bound({"1"}, c.adjust)->pencil_test = c.pencil;
         db_.added.clear();
         EXPECT_EQ(update(), SCAN_DONE);
-        const QString options = db_.added.empty() ? QStringLiteral("<none>") : db_.added[0].options;
+        ASSERT_EQ(db_.added.size(), 1u);
+        EXPECT_EQ(db_.added[0].options.toStdString(), c.options);
         ScanConfigDestroy(config_);
         config_ = nullptr;
-        return options.toStdString();
-    };
-    EXPECT_EQ(optionsWith("xScaleAdjustment: 1.0\nyScaleAdjustment: 1.0\n", false), "");
-    EXPECT_EQ(optionsWith("xScaleAdjustment: 1.000004\n", false), "") << "within the tolerance";
-    EXPECT_EQ(optionsWith("xScaleAdjustment: 1.25\n", false), "-scanner_calibrate 1.25 1 ");
-    EXPECT_EQ(optionsWith("yScaleAdjustment: 0.99998\n", false), "-scanner_calibrate 1 0.99998 ");
-    EXPECT_EQ(optionsWith("xScaleAdjustment: 1.0123456789\n", true), "-no_color_art -scanner_calibrate 1.01235 1 ");
-}
-
-TEST_F(BindingTest, TheChosenStylesLineFollowsTheStationsOptions) {
-    window_.styleLine = QStringLiteral("-smooth 3 -gap 2");
-    ScanConfig *c = bound({"1"}, "xScaleAdjustment: 1.5\n");
-    c->pencil_test = true;
-    EXPECT_EQ(update(), SCAN_DONE);
-    ASSERT_EQ(db_.added.size(), 1u);
-    EXPECT_EQ(db_.added[0].options, "-no_color_art -scanner_calibrate 1.5 1 -smooth 3 -gap 2");
+    }
 }
 
 TEST_F(BindingTest, TheQueueStaysOpenUntilTheEnvironmentChanges) {

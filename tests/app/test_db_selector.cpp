@@ -1,11 +1,9 @@
-#include <QApplication>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -17,28 +15,6 @@
 #include "workflow/connect_database.h"
 
 namespace {
-
-// Acts on the first modal dialog of type T to show up (checked every few
-// milliseconds for up to five seconds); dialogs opened one after the other
-// can each be given their own step before the run starts. The watch ends
-// with `owner`, so that it never reaches into a later test.
-template <typename T>
-void onModal(QObject *owner, const std::function<void(T *)> &step) {
-    auto *timer = new QTimer(owner);
-    auto tries = std::make_shared<int>(0);
-    QObject::connect(timer, &QTimer::timeout, [timer, tries, step] {
-        if (auto *dialog = qobject_cast<T *>(QApplication::activeModalWidget())) {
-            timer->deleteLater();
-            timer->stop();
-            step(dialog);
-            if (dialog->isVisible()) dialog->reject();
-        } else if (++*tries > 500) {
-            timer->stop();
-            timer->deleteLater();
-        }
-    });
-    timer->start(10);
-}
 
 void clickOk(QDialog *dialog) {
     for (QPushButton *pb : dialog->findChildren<QPushButton *>())
@@ -64,15 +40,10 @@ protected:
         SelectionTest::SetUp();
         envBefore_ = db_->envName();
         element_ = makeElement(QStringLiteral("E"));
-        LMV_element_data colour;
-        colour.name = QStringLiteral("Paint");
-        colour.scanType = LMV_SCAN_COLOUR;
         const auto scene = db_->findScene(db_->findJob(QStringLiteral("J"))->id, QStringLiteral("S"));
-        ASSERT_TRUE(scene);
-        ASSERT_TRUE(db_->createElement(scene->id, colour));
+        ASSERT_TRUE(scene && db_->createElement(scene->id, {.name = "Paint", .scanType = LMV_SCAN_COLOUR}));
         const auto other = db_->createJob(QStringLiteral("K"));
-        ASSERT_TRUE(other);
-        ASSERT_TRUE(db_->createScene(other->id, QStringLiteral("T"), dir_.filePath(QStringLiteral("T"))));
+        ASSERT_TRUE(other && db_->createScene(other->id, QStringLiteral("T"), dir_.filePath(QStringLiteral("T"))));
     }
     LMV_element_data element_;
     QString envBefore_;
@@ -83,7 +54,7 @@ protected:
 TEST_F(DbSelectorTest, LogsInThenOpensTheChosenElement) {
     QObject steps;
     TUDbUserDialog login(db_.get(), db_.get(), selector_user_types());
-    onModal<TUDbUserDialog>(&steps, [&](TUDbUserDialog *shown) {
+    atNextDialog<TUDbUserDialog>(&steps, [&](TUDbUserDialog *shown) {
         EXPECT_EQ(shown->typeBox()->count(), 9);  // never the vectorize service
         EXPECT_EQ(shown->typeBox()->currentText(), QStringLiteral("Scanner Operator"));
         shown->userEdit()->setText(QStringLiteral("mia"));
@@ -99,13 +70,13 @@ TEST_F(DbSelectorTest, LogsInThenOpensTheChosenElement) {
     ASSERT_TRUE(db_->createJob(QStringLiteral("L")));  // the new environment's own job
 
     TUDbSelector selector(db_.get(), db_.get(), selector_user_types());
-    onModal<TUDbSelectDlg>(&steps, [&](TUDbSelectDlg *select) {
+    atNextDialog<TUDbSelectDlg>(&steps, [&](TUDbSelectDlg *select) {
         EXPECT_EQ(texts(select->jobList()), QStringList({"L"}));
     });
     EXPECT_EQ(selector.run(false), TUDbSelector::Cancelled);
     ASSERT_EQ(db_->setEnvironment(envBefore_), 0);
 
-    onModal<TUDbSelectDlg>(&steps, [&](TUDbSelectDlg *select) {
+    atNextDialog<TUDbSelectDlg>(&steps, [&](TUDbSelectDlg *select) {
         EXPECT_EQ(texts(select->jobList()), QStringList({"J", "K"}));
         choose(select->jobList(), QStringLiteral("K"));
         EXPECT_EQ(texts(select->sceneList()), QStringList({"T"}));
@@ -131,8 +102,8 @@ TEST_F(DbSelectorTest, AKnownUserGoesStraightToTheElementsAndMayCancel) {
     TUDbSelector selector(db_.get(), db_.get(), selector_user_types());
     QObject steps;
     bool loginShown = false;
-    onModal<TUDbUserDialog>(&steps, [&](TUDbUserDialog *) { loginShown = true; });
-    onModal<TUDbSelectDlg>(&steps, [&](TUDbSelectDlg *select) {
+    atNextDialog<TUDbUserDialog>(&steps, [&](TUDbUserDialog *) { loginShown = true; });
+    atNextDialog<TUDbSelectDlg>(&steps, [&](TUDbSelectDlg *select) {
         choose(select->jobList(), QStringLiteral("J"));
         choose(select->sceneList(), QStringLiteral("S"));
         choose(select->elementList(), QStringLiteral("Paint"));

@@ -3,7 +3,6 @@
 scan_add_test(workflow_scanctl_tests
   SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/test_scanctl_scan.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/test_scanctl_scan_element.cpp
   LIBS suite_db suite_base Qt6::Core)
 target_compile_definitions(workflow_scanctl_tests PRIVATE SCANCTL_PATH="$<TARGET_FILE:scanctl>")
 add_dependencies(workflow_scanctl_tests scanctl)

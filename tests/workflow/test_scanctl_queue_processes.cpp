@@ -1,12 +1,11 @@
 // The vectorize queue shared by many processes, on an embedded database and
 // on a PostgreSQL server: stations adding at once lose nothing and double
-// nothing, workers taking at once never get the same entry, the entry of a
-// worker that was killed goes to another once its lease runs out, and a
-// living worker's entry runs once, whatever the locks and the server do.
+// nothing, a living worker's entry runs once whatever the locks and the
+// server do, and the entry of a worker that was killed goes to another once
+// its lease runs out.
 #include <QElapsedTimer>
 #include <QFile>
 #include <QHash>
-#include <QSet>
 #include <QThread>
 
 #include <csignal>
@@ -15,14 +14,40 @@
 
 namespace {
 
-class ScanctlQueueProcesses : public ScanctlDbTest, public ::testing::WithParamInterface<ScanctlBackend> {
+class QueueWorkers : public ScanctlDbTest {
 protected:
-    void SetUp() override {
-        ASSERT_NO_FATAL_FAILURE(useBackend(GetParam()));
-        if (IsSkipped()) return;
-        ASSERT_NO_FATAL_FAILURE(makeProduction());
+    void start(ScanctlBackend backend) {
+        ASSERT_NO_FATAL_FAILURE(useBackend(backend));
+        if (!IsSkipped()) {
+            ASSERT_NO_FATAL_FAILURE(makeProduction());
+        }
     }
-
+    ProcessResult add(const QString &drawings) {
+        return scanctl({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings", drawings});
+    }
+    // The program of the workers: it notes the entry it runs for.
+    QStringList noteRun(const QString &more = QString()) const {
+        return {"/bin/sh", "-c", QStringLiteral("echo \"$SCAN_QUEUE_ID\" >> '%1'%2").arg(dir_.filePath("runs"), more)};
+    }
+    void expectEachEntryRanOnceAndDone(int entries) {
+        QFile f(dir_.filePath("runs"));
+        QHash<qint64, int> count;
+        if (f.open(QIODevice::ReadOnly))
+            for (const QByteArray &line : f.readAll().split('\n'))
+                if (!line.isEmpty()) ++count[line.toLongLong()];
+        EXPECT_EQ(count.size(), entries);
+        for (auto it = count.begin(); it != count.end(); ++it) EXPECT_EQ(it.value(), 1) << "entry " << it.key();
+        std::unique_ptr<SqlDbAccess> db = openDirectly();
+        ASSERT_TRUE(db);
+        EXPECT_EQ(db->queueEntries().size(), std::size_t(entries));
+        for (const dba_queueEntry_struct &e : db->queueEntries())
+            EXPECT_EQ(e.state, dba_queueState::Done) << "entry " << e.id;
+    }
+    std::unique_ptr<QProcess> startWorker(const QString &name, const QStringList &program, int lease = 2) const {
+        return ScanctlDbTest::start(QStringList{"queue", "work", "--worker", name, "--lease", QString::number(lease),
+                                                "--until-empty", "--"} +
+                                    program);
+    }
     // The ids at the start of each line that take printed.
     static QList<qint64> takenIds(const QString &out) {
         QList<qint64> ids;
@@ -31,60 +56,43 @@ protected:
     }
 };
 
-TEST_P(ScanctlQueueProcesses, FourStationsAddAndThreeWorkersTakeEachEntryOnce) {
-    constexpr int kStations = 4, kPerStation = 500, kWorkers = 3;
-    std::vector<std::unique_ptr<QProcess>> stations;
-    for (int s = 0; s < kStations; ++s) {
-        const QString drawings = QStringLiteral("%1:%2").arg(s * kPerStation + 1).arg((s + 1) * kPerStation);
-        stations.push_back(start({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings", drawings}));
-    }
-    for (auto &p : stations) {
-        ASSERT_TRUE(finish(*p)) << "a station did not end";
-        EXPECT_EQ(p->exitCode(), 0) << p->readAllStandardError().toStdString();
-    }
-    std::unique_ptr<SqlDbAccess> db = openDirectly();
-    ASSERT_TRUE(db);
-    std::vector<dba_queueEntry_struct> entries = db->queueEntries();
-    ASSERT_EQ(entries.size(), std::size_t(kStations * kPerStation));
-    QSet<QString> drawings;
-    QSet<qint64> ids;
-    for (const dba_queueEntry_struct &e : entries) {
-        drawings.insert(e.drawing);
-        ids.insert(e.id);
-    }
-    EXPECT_EQ(ids.size(), kStations * kPerStation);
-    for (int n = 1; n <= kStations * kPerStation; ++n) EXPECT_TRUE(drawings.contains(QString::number(n))) << n;
+class QueueProcesses : public QueueWorkers, public ::testing::WithParamInterface<ScanctlBackend> {
+protected:
+    void SetUp() override { ASSERT_NO_FATAL_FAILURE(start(GetParam())); }
+};
 
-    std::vector<std::unique_ptr<QProcess>> workers;
-    for (int w = 0; w < kWorkers; ++w)
-        workers.push_back(start({"queue", "take", "--worker", QStringLiteral("w%1").arg(w), "--lease", "600",
-                                 "--until-empty"}));
-    QHash<qint64, QString> takenBy;
-    for (int w = 0; w < kWorkers; ++w) {
-        QProcess &p = *workers[w];
-        ASSERT_TRUE(finish(p)) << "a worker did not end";
+// Four stations add at once, keeping a SQLite file's write lock busy, while
+// six workers run short programs under a two-second lease: no entry is lost
+// or doubled, and waiting for the lock to record an outcome must not let the
+// lease lapse and hand the entry to another.
+TEST_P(QueueProcesses, StationsAddWhileWorkersRunEachEntryOnce) {
+    if (IsSkipped()) return;
+    constexpr int kFirst = 50, kStations = 4, kPerStation = 100, kWorkers = 6;
+    ASSERT_EQ(add(QStringLiteral("1:%1").arg(kFirst)).status, 0);
+    std::vector<std::unique_ptr<QProcess>> processes;
+    for (int s = 0; s < kStations; ++s)
+        processes.push_back(ScanctlDbTest::start(
+            {"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings",
+             QStringLiteral("%1:%2").arg(kFirst + s * kPerStation + 1).arg(kFirst + (s + 1) * kPerStation)}));
+    for (int w = 0; w < kWorkers; ++w) processes.push_back(startWorker(QStringLiteral("w%1").arg(w), noteRun()));
+    for (auto &p : processes) {
+        ASSERT_TRUE(finish(*p)) << "a process did not end";
         // A worker that came late may find nothing left (3).
-        EXPECT_TRUE(p.exitCode() == 0 || p.exitCode() == 3) << p.readAllStandardError().toStdString();
-        const QString name = QStringLiteral("w%1").arg(w);
-        for (qint64 id : takenIds(QString::fromUtf8(p.readAllStandardOutput()))) {
-            EXPECT_FALSE(takenBy.contains(id)) << "entry " << id << " taken by " << takenBy.value(id).toStdString()
-                                               << " and " << name.toStdString();
-            takenBy.insert(id, name);
-        }
+        EXPECT_TRUE(p->exitCode() == 0 || p->exitCode() == 3) << p->readAllStandardError().toStdString();
+        EXPECT_FALSE(p->readAllStandardOutput().contains("no longer ours"));
     }
-    EXPECT_EQ(takenBy.size(), kStations * kPerStation);
-    // What the workers said they took is what the database recorded.
-    for (const dba_queueEntry_struct &e : db->queueEntries()) {
-        EXPECT_EQ(e.state, dba_queueState::Taken) << e.id;
-        EXPECT_EQ(e.worker, takenBy.value(e.id)) << e.id;
-    }
+    // Workers that found the queue empty before the stations ended leave the rest.
+    std::unique_ptr<QProcess> rest = startWorker(QStringLiteral("rest"), noteRun());
+    ASSERT_TRUE(finish(*rest));
+    expectEachEntryRanOnceAndDone(kFirst + kStations * kPerStation);
 }
 
-TEST_P(ScanctlQueueProcesses, TheEntryOfAKilledWorkerGoesToAnotherWhenItsLeaseRunsOut) {
-    ASSERT_EQ(scanctl({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings", "1:2"}).status, 0);
+TEST_P(QueueProcesses, TheEntryOfAKilledWorkerGoesToAnotherWhenItsLeaseRunsOut) {
+    if (IsSkipped()) return;
+    ASSERT_EQ(add("1:2").status, 0);
     // The doomed worker holds entry 1 with the shortest lease, renewed while its program runs.
     std::unique_ptr<QProcess> doomed =
-        start({"queue", "work", "--worker", "doomed", "--lease", "2", "--", "/bin/sleep", "60"});
+        ScanctlDbTest::start({"queue", "work", "--worker", "doomed", "--lease", "2", "--", "/bin/sleep", "60"});
     ASSERT_TRUE(doomed->waitForReadyRead(20000)) << doomed->readAllStandardError().toStdString();
     const QString line = QString::fromUtf8(doomed->readLine());
     ASSERT_TRUE(line.startsWith("taken: 1  taken")) << line.toStdString();
@@ -108,79 +116,19 @@ TEST_P(ScanctlQueueProcesses, TheEntryOfAKilledWorkerGoesToAnotherWhenItsLeaseRu
     }
     EXPECT_EQ(rescued, QList<qint64>{1});
     EXPECT_LT(waited.elapsed(), 5000) << "the lease should free the entry about two seconds after the kill";
-    r = scanctl({"queue", "done", "1", "--worker", "doomed"});
-    EXPECT_EQ(r.status, 2) << "the dead worker's late word is refused";
+    EXPECT_EQ(scanctl({"queue", "done", "1", "--worker", "doomed"}).status, 2) << "the dead worker's late word";
     EXPECT_EQ(scanctl({"queue", "done", "1", "--worker", "rescuer"}).status, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Backends, ScanctlQueueProcesses,
-                         ::testing::Values(ScanctlBackend::SQLite, ScanctlBackend::PostgreSQL), scanctlBackendName);
-
-class ScanctlQueueWorkers : public ScanctlDbTest {
-protected:
-    // The program of the workers: it notes the entry it runs for.
-    QStringList noteRun(const QString &more = QString()) const {
-        return {"/bin/sh", "-c", QStringLiteral("echo \"$SCAN_QUEUE_ID\" >> '%1'%2").arg(dir_.filePath("runs"), more)};
-    }
-    // How often each entry ran.
-    QHash<qint64, int> runs() const {
-        QFile f(dir_.filePath("runs"));
-        QHash<qint64, int> count;
-        if (f.open(QIODevice::ReadOnly))
-            for (const QByteArray &line : f.readAll().split('\n'))
-                if (!line.isEmpty()) ++count[line.toLongLong()];
-        return count;
-    }
-    void expectEachEntryRanOnceAndDone(int entries) {
-        const QHash<qint64, int> count = runs();
-        EXPECT_EQ(count.size(), entries);
-        for (auto it = count.begin(); it != count.end(); ++it) EXPECT_EQ(it.value(), 1) << "entry " << it.key();
-        std::unique_ptr<SqlDbAccess> db = openDirectly();
-        ASSERT_TRUE(db);
-        for (const dba_queueEntry_struct &e : db->queueEntries())
-            EXPECT_EQ(e.state, dba_queueState::Done) << "entry " << e.id;
-    }
-    std::unique_ptr<QProcess> startWorker(const QString &name, const QStringList &program, int lease = 2) const {
-        return start(QStringList{"queue", "work", "--worker", name, "--lease", QString::number(lease), "--until-empty",
-                                 "--"} +
-                     program);
-    }
-};
-
-// Four stations keep the write lock of a SQLite file busy while six workers
-// run short programs under a two-second lease: waiting for the lock to record
-// an outcome must not let the lease lapse and hand the entry to another.
-TEST_F(ScanctlQueueWorkers, UnderFourWritersNoEntryOfALivingWorkerRunsTwice) {
-    ASSERT_NO_FATAL_FAILURE(useBackend(ScanctlBackend::SQLite));
-    ASSERT_NO_FATAL_FAILURE(makeProduction());
-    constexpr int kFirst = 50, kStations = 4, kPerStation = 100, kWorkers = 6;
-    ASSERT_EQ(scanctl({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings",
-                       QStringLiteral("1:%1").arg(kFirst)})
-                  .status,
-              0);
-    std::vector<std::unique_ptr<QProcess>> processes;
-    for (int s = 0; s < kStations; ++s)
-        processes.push_back(start({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings",
-                                   QStringLiteral("%1:%2").arg(kFirst + s * kPerStation + 1).arg(kFirst + (s + 1) * kPerStation)}));
-    for (int w = 0; w < kWorkers; ++w) processes.push_back(startWorker(QStringLiteral("w%1").arg(w), noteRun()));
-    for (auto &p : processes) {
-        ASSERT_TRUE(finish(*p)) << "a process did not end";
-        const QString out = QString::fromUtf8(p->readAllStandardOutput());
-        EXPECT_FALSE(out.contains("no longer ours")) << out.toStdString();
-    }
-    // Workers that found the queue empty before the stations ended leave the rest.
-    std::unique_ptr<QProcess> rest = startWorker(QStringLiteral("rest"), noteRun());
-    ASSERT_TRUE(finish(*rest));
-    expectEachEntryRanOnceAndDone(kFirst + kStations * kPerStation);
-}
+INSTANTIATE_TEST_SUITE_P(Backends, QueueProcesses, ::testing::Values(ScanctlBackend::SQLite, ScanctlBackend::PostgreSQL),
+                         scanctlBackendName);
 
 // A program and what it starts end with a worker killed in any way.
-TEST_F(ScanctlQueueWorkers, KillingAWorkerEndsItsProgramsWholeProcessGroup) {
-    ASSERT_NO_FATAL_FAILURE(useBackend(ScanctlBackend::SQLite));
-    ASSERT_NO_FATAL_FAILURE(makeProduction());
+TEST_F(QueueWorkers, KillingAWorkerEndsItsProgramsWholeProcessGroup) {
+    ASSERT_NO_FATAL_FAILURE(start(ScanctlBackend::SQLite));
     for (int sig : {SIGKILL, SIGTERM, SIGINT}) {
         SCOPED_TRACE(sig);
-        ASSERT_EQ(scanctl({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings", "1"}).status, 0);
+        ASSERT_EQ(add("1").status, 0);
         const QString pidFile = dir_.filePath(QStringLiteral("grandchild%1").arg(sig));
         std::unique_ptr<QProcess> worker = startWorker(
             QStringLiteral("w"), {"/bin/sh", "-c", QStringLiteral("sleep 300 & echo $! > '%1'; wait").arg(pidFile)}, 60);
@@ -198,7 +146,7 @@ TEST_F(ScanctlQueueWorkers, KillingAWorkerEndsItsProgramsWholeProcessGroup) {
         // Gone, or a zombie that nobody reaps in a container.
         const auto alive = [grandchild] {
             QFile stat(QStringLiteral("/proc/%1/stat").arg(grandchild));
-            return stat.open(QIODevice::ReadOnly) && QString::fromLatin1(stat.readAll()).section(QLatin1Char(' '), 2, 2) != QLatin1String("Z");
+            return stat.open(QIODevice::ReadOnly) && QString::fromLatin1(stat.readAll()).section(' ', 2, 2) != "Z";
         };
         waited.restart();
         while (alive() && waited.elapsed() < 5000) QThread::msleep(20);
@@ -209,11 +157,10 @@ TEST_F(ScanctlQueueWorkers, KillingAWorkerEndsItsProgramsWholeProcessGroup) {
 
 // The server goes away under a worker and comes back: the worker says so,
 // reconnects and records its entry, which nobody else took.
-TEST_F(ScanctlQueueWorkers, AWorkerThatLosesItsServerReconnectsAndGoesOn) {
-    ASSERT_NO_FATAL_FAILURE(useBackend(ScanctlBackend::PostgreSQL));
+TEST_F(QueueWorkers, AWorkerThatLosesItsServerReconnectsAndGoesOn) {
+    ASSERT_NO_FATAL_FAILURE(start(ScanctlBackend::PostgreSQL));
     if (IsSkipped()) return;
-    ASSERT_NO_FATAL_FAILURE(makeProduction());
-    ASSERT_EQ(scanctl({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings", "1:2"}).status, 0);
+    ASSERT_EQ(add("1:2").status, 0);
     std::unique_ptr<QProcess> worker =
         startWorker(QStringLiteral("w"), noteRun(QStringLiteral("; [ $SCAN_QUEUE_ID != 1 ] || sleep 3")));
     ASSERT_TRUE(worker->waitForReadyRead(20000)) << worker->readAllStandardError().toStdString();

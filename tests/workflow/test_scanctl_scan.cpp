@@ -1,12 +1,16 @@
 // Runs the built scanctl scan on the test scanner and reads its files back
-// with scanctl info.
+// with scanctl info; and into an element of a SQLite production database made
+// here, whose cels are marked and whose queue holds an entry for each drawing.
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "suite/base/osw_util.h"
+#include "suite/db/sql_db_access.h"
 #include "support/run_program.h"
 
 namespace {
@@ -14,6 +18,9 @@ namespace {
 class ScanctlScan : public ::testing::Test {
 protected:
     void SetUp() override {
+        ASSERT_TRUE(dir_.isValid());
+        oldEtc_ = qgetenv("SCAN_ETC");
+        qputenv("SCAN_ETC", dir_.path().toLocal8Bit());  // no station's own database.conf
         QString host;
         ASSERT_TRUE(oswUtil::getShortMachineName(host));
         conf_ = dir_.filePath(QStringLiteral("Scan.conf"));
@@ -25,6 +32,7 @@ protected:
         ASSERT_TRUE(QDir(dir_.path()).mkdir(QStringLiteral("scans")));
         scans_ = dir_.filePath(QStringLiteral("scans"));
     }
+    void TearDown() override { qputenv("SCAN_ETC", oldEtc_); }
 
     ProcessResult scanctl(const QStringList &args, int timeoutMs = 30000) {
         return run_program(QStringLiteral(SCANCTL_PATH), args, dir_.path(), timeoutMs);
@@ -37,6 +45,7 @@ protected:
     QStringList files() const { return QDir(scans_).entryList(QDir::Files, QDir::Name); }
 
     QTemporaryDir dir_;
+    QByteArray oldEtc_;
     QString conf_, scans_;
 };
 
@@ -143,6 +152,96 @@ TEST_F(ScanctlScan, OpticalScansKeepTheirTurnAndRegisterAgainFromTheFile) {
     EXPECT_TRUE(traced.out.contains("Found a center peg candidate at: ("));
     EXPECT_EQ(scanctl({"register", bw, "--threshold", "300"}).status, 1);
     EXPECT_EQ(scanctl({"register", dir_.filePath("none.tif")}).status, 2);
+}
+
+// Job J, scene S1 in the folder scene1, colour element E exposing 1 to 4.
+class ScanctlScanElement : public ScanctlScan {
+protected:
+    void SetUp() override {
+        ASSERT_NO_FATAL_FAILURE(ScanctlScan::SetUp());
+        dbFile_ = dir_.filePath(QStringLiteral("production.db"));
+        ASSERT_TRUE(QDir(dir_.path()).mkpath(QStringLiteral("scene1/E")));
+
+        SqlDbAccess db(dbFile_);
+        ASSERT_EQ(db.dba_Open2dDatabaseSession(), 0) << db.lastError().toStdString();
+        const auto job = db.createJob(QStringLiteral("J"));
+        const auto scene = job ? db.createScene(job->id, "S1", dir_.filePath(QStringLiteral("scene1"))) : std::nullopt;
+        ASSERT_TRUE(scene);
+        const auto element = db.createElement(scene->id, {.name = "E", .path = "E", .scanType = LMV_SCAN_COLOUR,
+                                                          .needsVectorization = LMV_VECTORIZE, .pf = 4});
+        ASSERT_TRUE(element);
+        elementId_ = element->id;
+        ASSERT_EQ(db.exposeDrawings(elementId_, {"1", "2", "3", "4"}), 4);
+    }
+    ProcessResult scan(const QStringList &words) {
+        return run_program(QStringLiteral(SCANCTL_PATH),
+                           QStringList{"scan", "--db", dbFile_, "--conf", conf_, "--dpi", "72", "--feed", "pegged-many"} +
+                               words,
+                           dir_.path(), 60000);
+    }
+    QString element(const char *file) const { return dir_.filePath(QStringLiteral("scene1/E/")) + file; }
+
+    QString dbFile_;
+    qint64 elementId_ = 0;
+};
+
+TEST_F(ScanctlScanElement, DrawingsLandInTheElementFolderMarkedAndQueued) {
+    const ProcessResult r = scan({"--job", "J", "--scene", "S1", "--element", "E", "--drawings", "1:2"});
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QStringLiteral("Scanned 2 of 2 drawings into %1").arg(dir_.filePath("scene1/E"))))
+        << r.err.toStdString();
+    EXPECT_TRUE(QFile::exists(element("E-1.tif")));
+    EXPECT_TRUE(QFile::exists(element("E-2.tif")));
+
+    // The exposed drawings not scanned yet are 3 and 4.
+    const ProcessResult rest = scan({"--job", "J", "--scene", "S1", "--element", "E", "--unscanned"});
+    ASSERT_EQ(rest.status, 0) << rest.err.toStdString();
+    EXPECT_TRUE(rest.err.contains("Scanning 2 drawings")) << rest.err.toStdString();
+    EXPECT_TRUE(QFile::exists(element("E-4.tif")));
+
+    SqlDbAccess db(dbFile_);
+    ASSERT_EQ(db.dba_Open2dDatabaseSession(), 0);
+    QStringList marked, queued;
+    for (const dba_cel_struct &cel : db.cels(elementId_)) {
+        marked << cel.drawingName();
+        EXPECT_EQ(std::tie(cel.scanCount, cel.processedStage, cel.processedStatus), std::tuple(1, 1, 0));
+    }
+    EXPECT_EQ(marked, (QStringList{"1", "2", "3", "4"}));
+    for (const dba_queueEntry_struct &e : db.queueEntries()) {
+        queued << e.drawing;
+        EXPECT_EQ(std::tie(e.jobName, e.sceneName, e.elementName, e.elementId, e.process, e.options, e.state),
+                  std::tuple("J", "S1", "E", elementId_, DBA_PROCESS_VECTORIZE, "", dba_queueState::Waiting));
+    }
+    EXPECT_EQ(queued, (QStringList{"1", "2", "3", "4"}));
+
+    const ProcessResult none = scan({"--job", "J", "--scene", "S1", "--element", "E", "--unscanned"});
+    EXPECT_EQ(none.status, 2);
+    EXPECT_TRUE(none.err.contains("element 'E' has no unscanned drawings")) << none.err.toStdString();
+}
+
+TEST_F(ScanctlScanElement, WrongWordsAreUsageErrorsAndUnknownNamesAreRefused) {
+    struct Case {
+        QStringList words;
+        const char *text;
+        int status;
+    };
+    const QList<Case> wrong = {
+        {{"--job", "X", "--scene", "S1", "--element", "E", "--drawings", "1"}, "no job 'X'", 2},
+        {{"--job", "J", "--scene", "X", "--element", "E", "--drawings", "1"}, "no scene 'X' in job 'J'", 2},
+        {{"--job", "J", "--scene", "S1", "--element", "X", "--drawings", "1"}, "no element 'X' in scene 'S1'", 2},
+        {{"--job", "J", "--scene", "S1", "--element", "E"}, "give either --drawings or --unscanned", 1},
+        {{"--job", "J", "--element", "E", "--drawings", "1"}, "go together", 1},
+        {{"--job", "J", "--scene", "S1", "--element", "E", "--drawings", "1", "--depth", "grey"},
+         "not scanned at that depth", 2},
+        {{"--job", "J", "--scene", "S1", "--element", "E", "--drawings", "1", "--path", "."}, "--path", 1},
+        {{"--job", "J", "--scene", "S1", "--element", "E", "--drawings", "a:3"}, "a:3", 1},
+    };
+    for (const Case &c : wrong) {
+        const ProcessResult r = scan(c.words);
+        EXPECT_EQ(r.status, c.status) << c.words.join(' ').toStdString();
+        EXPECT_TRUE(r.err.contains(c.text)) << r.err.toStdString();
+    }
+    EXPECT_TRUE(QDir(dir_.filePath("scene1/E")).isEmpty());
 }
 
 }  // namespace

@@ -2,11 +2,7 @@
 // Shared set-up of the window tests: a production in an embedded SQLite file
 // in a temporary folder, reports recorded instead of shown, and ways to act
 // inside a modal dialog.
-#include <QApplication>
-#include <QDialog>
-#include <QDir>
-#include <QTemporaryDir>
-#include <QTimer>
+#include <QtWidgets>
 
 #include <gtest/gtest.h>
 

@@ -3,15 +3,7 @@
 // test scanners, a production in an embedded SQLite file, reports recorded
 // instead of shown, no real waits in the device code, and an operator who
 // answers message boxes by the text of a button.
-#include <QApplication>
-#include <QDir>
-#include <QFile>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTimer>
+#include <QtWidgets>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,5 @@
-#include <QComboBox>
-#include <QDialogButtonBox>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QTest>
+#include <QtWidgets>
+#include <QtTest>
 
 #include <gtest/gtest.h>
 
@@ -41,7 +37,7 @@ protected:
         envBefore_ = db_->envName();
         element_ = makeElement(QStringLiteral("E"));
         const auto scene = db_->findScene(db_->findJob(QStringLiteral("J"))->id, QStringLiteral("S"));
-        ASSERT_TRUE(scene && db_->createElement(scene->id, {.name = "Paint", .scanType = LMV_SCAN_COLOUR}));
+        ASSERT_TRUE(scene && db_->createElement(scene->id, {.name = "Paint", .path = "Paint", .scanType = LMV_SCAN_COLOUR}));
         const auto other = db_->createJob(QStringLiteral("K"));
         ASSERT_TRUE(other && db_->createScene(other->id, QStringLiteral("T"), dir_.filePath(QStringLiteral("T"))));
     }

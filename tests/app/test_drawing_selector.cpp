@@ -1,7 +1,5 @@
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTest>
+#include <QtWidgets>
+#include <QtTest>
 
 #include <gtest/gtest.h>
 

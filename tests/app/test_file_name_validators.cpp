@@ -1,5 +1,5 @@
-#include <QLineEdit>
-#include <QTest>
+#include <QtWidgets>
+#include <QtTest>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,7 @@
 // The selection button: what it shows for an entry, and which entry is current
 // as entries come and go.
-#include <QAction>
-#include <QMenu>
-#include <QSignalSpy>
+#include <QtWidgets>
+#include <QtTest>
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,8 @@
 // The report box the operator sees, alone and through the station's message
 // object: headings, the cut list, the Ignore buttons, suspension and
 // re-entrance.
-#include <QApplication>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTimer>
-#include <QtTest/QTest>
+#include <QtWidgets>
+#include <QtTest>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
 // The built Scan program, run as the operator would start it, with a
 // production database that cannot be reached.
-#include <QDir>
-#include <QTemporaryDir>
+#include <QtCore>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,8 @@
 // The questions the scan loop puts to the operator at the station: a feeder
 // that runs empty and a drawing that cannot be registered, each answered in
 // every way it can be.
-#include <QFile>
-#include <QImage>
-#include <QTest>
+#include <QtGui>
+#include <QtTest>
 
 #include "station_window_fixture.h"
 

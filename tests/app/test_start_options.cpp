@@ -1,7 +1,6 @@
 // The station's command line: the option table, the usage text, the elevation
 // decision and the relaunch command.
-#include <QDir>
-#include <QTemporaryDir>
+#include <QtCore>
 
 #include <gtest/gtest.h>
 
@@ -62,7 +61,9 @@ TEST(ParseArguments, HelpVersionAndUnknownArgumentsLeave) {
         SCOPED_TRACE(form);
         const Parsed p = kind == Unknown ? parse({"-M", form}) : parse({"-debug", form, "-bogus"});
         EXPECT_EQ(p.result, 0);
-        if (kind == Version) EXPECT_NE(p.console.find("Scan version "), std::string::npos);
+        if (kind == Version) {
+            EXPECT_NE(p.console.find("Scan version "), std::string::npos);
+        }
         EXPECT_EQ(p.console.find(usage) != std::string::npos, kind != Version);
         const std::string unknown = kind == Unknown ? "Unknown parameter: " + std::string(form) + ".\n" : "Unknown";
         EXPECT_EQ(p.console.find(unknown), kind == Unknown ? 0 : std::string::npos);

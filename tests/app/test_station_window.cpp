@@ -1,16 +1,9 @@
 // The station window driven as an operator would: menus that follow the
 // scanner, a manual list scanned with F5, the Stop question, the no-scanner
 // question, and settings restored from a scan file.
-#include <QCheckBox>
-#include <QFileDialog>
-#include <QSlider>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMenu>
-#include <QSqlDatabase>
-#include <QSqlQuery>
-#include <QTest>
+#include <QtWidgets>
+#include <QtSql>
+#include <QtTest>
 
 #include "app/param_dlg.h"
 #include "app/param_speed_widget.h"
@@ -189,20 +182,17 @@ TEST_F(StationSession, LoadFromFileRestoresTheSettingsTheFileWasScannedWith) {
     window_->loadFile(file);
     EXPECT_EQ(window_->drawingList()->count(), 0);
     EXPECT_EQ(window_->windowTitle(), QStringLiteral("Scan: ") + file);
-    EXPECT_EQ(depth_of_ScanConfig(config_), 0);
-    EXPECT_EQ(dpi_of_ScanConfig(config_), 150u);
-    EXPECT_DOUBLE_EQ(field_of_ScanConfig(config_), 16.0);
-    EXPECT_EQ(peg_side_of_ScanConfig(config_), 1);
-    EXPECT_EQ(bwParameters(config_, 0)->threshold_current, 77);
-    EXPECT_EQ(window_->selectionButton(SelectionButton::Scanner)->text(), QStringLiteral("Test_Scanner"));
-    EXPECT_EQ(window_->selectionButton(SelectionButton::Colour)->text(), QStringLiteral("Black && White"));
-    EXPECT_EQ(window_->selectionButton(SelectionButton::Dpi)->text(), QStringLiteral("150 dpi"));
-    EXPECT_EQ(window_->selectionButton(SelectionButton::Field)->text(), QStringLiteral("16 Field"));
-    EXPECT_EQ(window_->selectionButton(SelectionButton::Peg)->text(), QStringLiteral("Left Peg"));
+    EXPECT_EQ(std::tuple(depth_of_ScanConfig(config_), dpi_of_ScanConfig(config_), field_of_ScanConfig(config_),
+                         peg_side_of_ScanConfig(config_), bwParameters(config_, 0)->threshold_current),
+              std::tuple(0, 150u, 16.0, 1, 77));
+    QStringList buttons;
+    for (auto b : {SelectionButton::Scanner, SelectionButton::Colour, SelectionButton::Dpi, SelectionButton::Field,
+                   SelectionButton::Peg})
+        buttons << window_->selectionButton(b)->text();
+    EXPECT_EQ(buttons.join(", "), QStringLiteral("Test_Scanner, Black && White, 150 dpi, 16 Field, Left Peg"));
     EXPECT_FALSE(window_->paramDlg()->thresholdWidget()->isHidden());
-    EXPECT_FALSE(window_->button(SessionButton::Save)->isEnabled());
-    EXPECT_FALSE(window_->button(SessionButton::Scan)->isEnabled()) << "the list went with the file";
-    EXPECT_FALSE(window_->button(SessionButton::Preview)->isEnabled());
+    for (auto b : {SessionButton::Save, SessionButton::Scan, SessionButton::Preview})  // the list went with the file
+        EXPECT_FALSE(window_->button(b)->isEnabled());
     EXPECT_TRUE(hasPicture(window_->mainImage()));
     save_screenshot(window_.get(), QStringLiteral("station_loaded_file"));
 
@@ -213,10 +203,9 @@ TEST_F(StationSession, LoadFromFileRestoresTheSettingsTheFileWasScannedWith) {
     window_->loadFile(file);
     EXPECT_EQ(window_->selectionButton(SelectionButton::Scanner)->text(), QStringLiteral("Test_Scanner"));
     EXPECT_EQ(scanner_of_ScanConfig(config_), entry_of_ScannerList(scanner_list_of_ScanConfig(config_), 0));
-    EXPECT_EQ(bwParameters(config_, 0)->threshold_current, 77);
-    EXPECT_DOUBLE_EQ(field_of_ScanConfig(config_), 16.0);
-    EXPECT_EQ(dpi_of_ScanConfig(config_), 200u);
-    EXPECT_EQ(peg_side_of_ScanConfig(config_), 4);
+    EXPECT_EQ(std::tuple(dpi_of_ScanConfig(config_), field_of_ScanConfig(config_), peg_side_of_ScanConfig(config_),
+                         bwParameters(config_, 0)->threshold_current),
+              std::tuple(200u, 16.0, 4, 77));
 }
 
 TEST_F(StationWindowTest, WithoutScannersTheOperatorIsAskedWhetherToGoOn) {

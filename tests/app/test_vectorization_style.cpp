@@ -1,10 +1,7 @@
 // The style list as the operator uses it: choosing, cancelling back to the
 // former choice, and the window's label and queue line following the choice.
-#include <QAction>
-#include <QLabel>
-#include <QListWidget>
-#include <QPushButton>
-#include <QTest>
+#include <QtWidgets>
+#include <QtTest>
 
 #include "station_window_fixture.h"
 #include "vectorize/ui/tuvect_options_dlg.h"

@@ -2,8 +2,7 @@
 // A production database in memory for the station's side: one environment,
 // job, scene and element, which records the cel marks and the queue traffic
 // and can be told to fail opening the queue or adding to it.
-#include <QString>
-#include <QStringList>
+#include <QtCore>
 
 #include <vector>
 

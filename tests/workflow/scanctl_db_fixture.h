@@ -2,11 +2,8 @@
 // Runs the built scanctl's database commands against one test database: an
 // embedded SQLite file in a temporary folder, or a fresh database on the
 // throwaway PostgreSQL server.
-#include <QProcess>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
-#include <QTemporaryDir>
+#include <QtCore>
+#include <QtSql>
 
 #include <gtest/gtest.h>
 

@@ -2,9 +2,7 @@
 // A session on the scripted window: a Scan.conf for this machine written from
 // a string, a scratch folder as the current directory (where the test scanner
 // keeps its feeder count), and no real waits in the device code.
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
+#include <QtCore>
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,6 @@
 // operator's answers, stops, previews, skips and failed saves.
 #include "session_fixture.h"
 
-#include <QImage>
-
 #include <algorithm>
 
 #include "scan/drawing.h"
@@ -161,25 +159,6 @@ TEST_F(LoopTest, PreviewNeitherSavesNorAdvancesUntilSave) {
     EXPECT_EQ(SaveScan(c), SCAN_INTERNAL) << "the drawing is saved already";
 }
 
-TEST_F(LoopTest, SkippedDrawingReadsNotScannedAndKeepsThePreviousDrawing) {
-    // A blank sheet has no peg holes: optical registration must refuse it.
-    QImage blank(200, 150, QImage::Format_RGB32);
-    blank.fill(Qt::white);
-    ASSERT_TRUE(blank.save(dir_.filePath("blank.png")));
-    ScanConfig *c = start(block("Test", "Bogus-Color", {}, dir_.filePath("blank.png").toStdString()));
-    set_dpi_of_ScanConfig(c, 72);
-    set_feed_of_ScanConfig(c, FEED_PEGGED_MANY);
-    set_optical_of_ScanConfig(c, true);
-    list({"1", "2"});
-    window_.registrationAnswer = RegistrationAnswer::SkipDrawing;
-    ScanDrawingList(c);
-    EXPECT_EQ(window_.registrationAsked, 2);
-    EXPECT_EQ(rowText(0), "1 (Not Scanned) Colour, 72dpi, 12.0F, bottom, O/R");
-    EXPECT_EQ(rowText(1), "2 (Not Scanned) Colour, 72dpi, 12.0F, bottom, O/R");
-    EXPECT_EQ(drawing_of_ScanConfig(c), nullptr);
-    EXPECT_FALSE(exists("T-1.tif"));
-}
-
 TEST_F(LoopTest, SaveIntoAMissingFolderReportsAndEndsTheList) {
     window_.manualPath = dir_.filePath("missing");
     ScanConfig *c = startColour({"1", "2"});
@@ -204,11 +183,8 @@ TEST_F(LoopTest, MechanicalRegistrationPlacesThePegsBySide) {
         const LMV_scaninfo *si = scaninfo_of_Drawing(d);
         const int w = width_of_pixmap(pixmap_of_Drawing(d)), h = height_of_pixmap(pixmap_of_Drawing(d));
         const double along = 100 * 6.75;  // field 16: the pegs 6.75 inches off the middle
-        const double expected[5][2] = {{0, 0},
-                                       {-(along - w / 2), 800},
-                                       {800, -(along - h / 2)},
-                                       {along - w / 2 + w, 800},
-                                       {800, along - h / 2 + h}};
+        const double expected[5][2] = {
+            {0, 0}, {-(along - w / 2), 800}, {800, -(along - h / 2)}, {along - w / 2 + w, 800}, {800, along - h / 2 + h}};
         EXPECT_FLOAT_EQ(si->rotation_center_x, float(expected[side][0])) << side;
         EXPECT_FLOAT_EQ(si->rotation_center_y, float(expected[side][1])) << side;
         EXPECT_EQ(si->rotation_angle, 0.0f);

@@ -3,10 +3,7 @@
 // nothing, a living worker's entry runs once whatever the locks and the
 // server do, and the entry of a worker that was killed goes to another once
 // its lease runs out.
-#include <QElapsedTimer>
-#include <QFile>
-#include <QHash>
-#include <QThread>
+#include <QtCore>
 
 #include <csignal>
 

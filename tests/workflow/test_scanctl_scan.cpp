@@ -1,9 +1,7 @@
 // Runs the built scanctl scan on the test scanner and reads its files back
 // with scanctl info; and into an element of a SQLite production database made
 // here, whose cels are marked and whose queue holds an entry for each drawing.
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
+#include <QtCore>
 
 #include <gtest/gtest.h>
 

@@ -221,6 +221,8 @@ TEST_F(StationWindowTest, WithoutScannersTheOperatorIsAskedWhetherToGoOn) {
     EXPECT_EQ(window_->selectionButton(SelectionButton::Scanner)->text(), QStringLiteral("No Scanner"));
     choose(SelectionButton::Scanner, kNoScannerId);  // ignored
     EXPECT_EQ(scanner_kind_of_ScanConfig(config_), SCANNER_NONE);
+    buildList(QStringLiteral("1"));
+    EXPECT_FALSE(window_->button(SessionButton::Scan)->isEnabled());
     save_screenshot(window_.get(), QStringLiteral("station_without_scanner"));
 }
 

@@ -55,8 +55,20 @@ protected:
     bool wasDebug_ = false;
 };
 
+// Without its folder the element is not bound and the old list stays; with
+// it the list is built in the selector's order, in database mode.
 TEST_F(BindingTest, BindingAnElementBuildsItsListInDatabaseMode) {
-    ScanConfig *c = bound({"3", "1", "2a"});
+    ScanConfig *c = start(block("Test", "Bogus-Color"));
+    list({"9"});
+    EXPECT_FALSE(bind_element_of_ScanConfig(c, db_.element.id, {"1", "2"}));
+    EXPECT_FALSE(binding_of_ScanConfig(c)->open || database_of_ScanConfig(c));
+    EXPECT_TRUE(capture_.contains(("The directory \n " + dir_.path() + "/E \n was not found\n\n You may need to "
+                                   "notify a System Administrator\n to correct this problem.")
+                                      .toStdString()));
+    EXPECT_EQ(rowText(0), "9") << "the old list stays";
+
+    ASSERT_TRUE(QDir(dir_.path()).mkdir(QStringLiteral("E")));
+    ASSERT_TRUE(bind_element_of_ScanConfig(c, db_.element.id, {"3", "1", "2a"}));
     const DatabaseBinding *b = binding_of_ScanConfig(c);
     EXPECT_TRUE(b->open);
     EXPECT_EQ(name_of_DatabaseBinding(b), "E");
@@ -69,23 +81,8 @@ TEST_F(BindingTest, BindingAnElementBuildsItsListInDatabaseMode) {
     EXPECT_DOUBLE_EQ(field_of_ScanConfig(c), 16.0) << "the element's field chart";
     EXPECT_EQ(window_.title, "Scan: Studio -> Job -> scene S1 -> element E");
     ASSERT_EQ(window_.list.rowCount(), 3);
-    EXPECT_EQ(rowText(0), "3") << "the selector's order";
+    EXPECT_EQ(rowText(0), "3");
     EXPECT_EQ(rowText(2), "2a");
-}
-
-TEST_F(BindingTest, AMissingElementFolderLeavesTheBindingClosedAndTheListAlone) {
-    ScanConfig *c = start(block("Test", "Bogus-Color"));
-    list({"9"});
-    EXPECT_FALSE(bind_element_of_ScanConfig(c, db_.element.id, {"1", "2"}));
-    const DatabaseBinding *b = binding_of_ScanConfig(c);
-    EXPECT_FALSE(b->open);
-    EXPECT_EQ(b->element_path, dir_.path() + "/E");
-    EXPECT_TRUE(capture_.contains(("The directory \n " + dir_.path() + "/E \n was not found\n\n You may need to "
-                                   "notify a System Administrator\n to correct this problem.")
-                                      .toStdString()));
-    EXPECT_FALSE(database_of_ScanConfig(c));
-    ASSERT_EQ(window_.list.rowCount(), 1) << "the old list stays";
-    EXPECT_EQ(rowText(0), "9");
 }
 
 TEST_F(BindingTest, AnElementWithoutVectorizationIsMarkedButNeverQueued) {
@@ -157,12 +154,22 @@ TEST_F(BindingTest, TheOptionLineOfAnEntry) {
     }
 }
 
-TEST_F(BindingTest, TheQueueStaysOpenUntilTheEnvironmentChanges) {
-    bound({"1", "2", "3"});
+// A queue that will not open fails the drawing after its cel is marked, and
+// the next drawing tries again; once open, the queue stays open until the
+// environment changes.
+TEST_F(BindingTest, TheQueueOpensOncePerEnvironment) {
+    db_.failOpen = true;
+    ScanConfig *c = bound({"1", "2", "3"});
+    EXPECT_EQ(update(), SCAN_QUEUE_FAILED);
+    EXPECT_EQ(capture_.errors(), std::vector<std::string>{"Unable to open the vectorize queue."});
+    EXPECT_TRUE(finish_of_ScanConfig(c));
+    EXPECT_EQ(db_.processed.size(), 1u);
+
+    db_.failOpen = false;
     EXPECT_EQ(update(), SCAN_DONE);
     moveTo(1);
     EXPECT_EQ(update(), SCAN_DONE);
-    EXPECT_EQ(db_.opened, QStringList{"Studio"}) << "the second drawing reuses the queue";
+    EXPECT_EQ(db_.opened, (QStringList{"Studio", "Studio"})) << "the second drawing reuses the queue";
     EXPECT_EQ(db_.closes, 0);
     ASSERT_EQ(db_.added.size(), 2u);
     EXPECT_EQ(db_.addedTo[0], db_.addedTo[1]);
@@ -171,22 +178,9 @@ TEST_F(BindingTest, TheQueueStaysOpenUntilTheEnvironmentChanges) {
     moveTo(2);
     EXPECT_EQ(update(), SCAN_DONE);
     EXPECT_EQ(db_.closes, 1) << "the old queue closes first";
-    EXPECT_EQ(db_.opened, (QStringList{"Studio", "Other"}));
+    EXPECT_EQ(db_.opened, (QStringList{"Studio", "Studio", "Other"}));
     EXPECT_EQ(vectorize_queue_state().environment, "Other");
     EXPECT_EQ(db_.added.back().drawing, "3");
-}
-
-TEST_F(BindingTest, AQueueThatWillNotOpenFailsTheDrawing) {
-    db_.failOpen = true;
-    ScanConfig *c = bound({"1"});
-    EXPECT_EQ(update(), SCAN_QUEUE_FAILED);
-    EXPECT_EQ(capture_.errors(), std::vector<std::string>{"Unable to open the vectorize queue."});
-    EXPECT_TRUE(finish_of_ScanConfig(c));
-    EXPECT_EQ(db_.processed.size(), 1u) << "the cel is marked before the queue is tried";
-
-    db_.failOpen = false;
-    EXPECT_EQ(update(), SCAN_DONE) << "the next drawing tries again";
-    EXPECT_EQ(db_.opened.size(), 2);
 }
 
 TEST_F(BindingTest, AFailedAddEndsTheListWithTheFileSavedAndTheRowUnmarked) {

@@ -16,39 +16,6 @@ protected:
     }
 };
 
-TEST_F(ConfigTest, NewSessionSelectsTheFirstScannerWithItsDefaults) {
-    ScanConfig *c = startTwo();
-    ASSERT_NE(c, nullptr);
-    EXPECT_EQ(scanner_kind_of_ScanConfig(c), SCANNER_SCSI);
-    EXPECT_EQ(scanner_name_of_ScanConfig(c), "Colour");
-    EXPECT_EQ(depth_of_ScanConfig(c), DEPTH_COLOUR);
-    EXPECT_EQ(dpi_of_ScanConfig(c), uint32_t(defaultResolution_of_ScannerEntry(scanner_of_ScanConfig(c))));
-    EXPECT_TRUE(autofeed_of_ScanConfig(c) && optical_of_ScanConfig(c));
-    EXPECT_EQ(window_.marked(Feed::Feed), FEED_AUTOFEED);
-    EXPECT_TRUE(window_.boxChecked(SessionCheckBox::OpticalRegistration));
-    EXPECT_TRUE(window_.overviewShown);
-    EXPECT_EQ(window_.title, "Scan: Untitled");
-    EXPECT_FALSE(window_.buttonEnabled(SessionButton::Scan) || window_.buttonEnabled(SessionButton::Preview));
-    // Bogus-Color has no 240 dpi step.
-    EXPECT_FALSE(window_.entryEnabled(Feed::Dpi, 4));
-    EXPECT_TRUE(window_.entryEnabled(Feed::Dpi, 5));
-    EXPECT_EQ(window_.noScannerAsked, 0);
-}
-
-TEST_F(ConfigTest, NoScannerQuestionDecidesWhetherTheSessionStarts) {
-    window_.noScannerAnswer = NoScannerAnswer::ExitScanProgram;
-    EXPECT_EQ(start(block("Elsewhere", "Bogus-Color").replace(6, host_.size(), "otherhost")), nullptr);
-    EXPECT_EQ(window_.noScannerAsked, 1);
-
-    window_.noScannerAnswer = NoScannerAnswer::Continue;
-    ScanConfig *c = start("");
-    ASSERT_NE(c, nullptr);
-    EXPECT_EQ(scanner_kind_of_ScanConfig(c), SCANNER_NONE);
-    EXPECT_EQ(scanner_name_of_ScanConfig(c), "Unknown scanner");
-    list({"1"});
-    EXPECT_FALSE(window_.buttonEnabled(SessionButton::Scan));
-}
-
 // The selected scanner chosen again keeps the settings; a scanner without a
 // feeder at the depth selects Pegged; a feeder scanner ends pan cel mode.
 TEST_F(ConfigTest, ChoosingAScannerKeepsOrAdaptsTheSettings) {

@@ -19,43 +19,10 @@
 #include "scan/scanner_device.h"
 #include "suite/base/osw_util.h"
 #include "qstring_print.h"
-#include "selection_fixture.h"
+#include "window_fixture.h"
 #include "support/screenshot.h"
 #include "workflow/config.h"
 #include "workflow/connect_database.h"
-
-// Answers the message boxes that open: the n-th with the n-th answer, those
-// after the last answer with the last one; saves a screenshot of the first box
-// as `shot`. `beforeAnswer` runs just before each answer is given.
-class BoxOperator : public QObject {
-public:
-    BoxOperator(QStringList answers, QString shot) : answers_(std::move(answers)), shot_(std::move(shot)) {
-        connect(&timer_, &QTimer::timeout, this, &BoxOperator::look);
-        timer_.start(5);
-    }
-    BoxOperator(const QString &answer, QString shot) : BoxOperator(QStringList{answer}, std::move(shot)) {}
-    QStringList titles;
-    QStringList texts;
-    std::function<void()> beforeAnswer;
-
-private:
-    void look() {
-        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (!box || !box->isVisible()) return;
-        const QString answer = answers_.at(std::min<qsizetype>(titles.size(), answers_.size() - 1));
-        titles << box->windowTitle();
-        texts << box->text();
-        if (!shot_.isEmpty()) save_screenshot(box, shot_);
-        shot_.clear();
-        if (beforeAnswer) beforeAnswer();
-        for (QAbstractButton *b : box->buttons())
-            if (b->text() == answer) return b->click();
-        box->reject();
-    }
-    QStringList answers_;
-    QString shot_;
-    QTimer timer_;
-};
 
 class StationWindowTest : public SelectionTest {
 protected:

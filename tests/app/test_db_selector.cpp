@@ -6,7 +6,7 @@
 #include "app/tudb_select_dlg.h"
 #include "app/tudb_selector.h"
 #include "app/tudb_user_dialog.h"
-#include "selection_fixture.h"
+#include "window_fixture.h"
 #include "support/screenshot.h"
 #include "workflow/connect_database.h"
 

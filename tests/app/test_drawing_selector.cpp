@@ -5,7 +5,7 @@
 
 #include "app/tudrawing_selector.h"
 #include "app/tudrawing_selector_table.h"
-#include "selection_fixture.h"
+#include "window_fixture.h"
 #include "support/screenshot.h"
 
 namespace {

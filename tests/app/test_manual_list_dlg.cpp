@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "app/tumanual_list_dlg.h"
-#include "selection_fixture.h"
+#include "window_fixture.h"
 #include "support/screenshot.h"
 
 namespace {

@@ -11,6 +11,7 @@
 #include "app/report_box.h"
 #include "app/tuuimessage.h"
 #include "suite/base/msg_scope.h"
+#include "window_fixture.h"
 #include "support/screenshot.h"
 
 namespace {
@@ -72,67 +73,41 @@ TEST(ReportBox, IgnoreAllIsToldApartFromIgnore) {
     EXPECT_FALSE(isIgnoreAll(*ok));
 }
 
-// Installs a TUUIMessage for one test and answers every box it opens, noting
-// each box's text. `onShown` runs while a box is open (before it is answered).
+// The station's message object, answered by an operator who presses OK.
 class StationMessages : public ::testing::Test {
 protected:
     void SetUp() override {
         TUMessage::Settings s;
         s.appName = QStringLiteral("Scan");
         TUMessage::setInstance(std::make_unique<TUUIMessage>(s));
-        connect();
     }
-    void TearDown() override {
-        answering_.stop();
-        TUMessage::takeInstance();
-    }
-
-    void connect() {
-        answering_.setInterval(5);
-        QObject::connect(&answering_, &QTimer::timeout, [this] {
-            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            if (!box || box == answered_) return;
-            answered_ = box;
-            shown.append(box->text());
-            if (!screenshot.isEmpty()) save_screenshot(box, std::exchange(screenshot, QString()));
-            if (onShown) std::exchange(onShown, nullptr)();
-            box->defaultButton()->click();
-        });
-        answering_.start();
-    }
-
-    QStringList shown;
-    QString screenshot;
-    std::function<void()> onShown;
-
-private:
-    QTimer answering_;
-    QMessageBox *answered_ = nullptr;
+    void TearDown() override { TUMessage::takeInstance(); }
 };
 
 // An error is shown at once; one raised while its box is open comes after it.
 TEST_F(StationMessages, AReportRaisedWhileOneIsOpenComesAfterItOnce) {
+    BoxOperator ok(QStringLiteral("OK"), QStringLiteral("report_station_error"));
     bool returnedAtOnce = false;
-    screenshot = QStringLiteral("report_station_error");
-    onShown = [&] {
+    ok.beforeAnswer = [&] {
+        if (ok.texts.size() > 1) return;
         MSG_Scope(MSG_Text::untranslated("Second"), MSG_ACTION_ERROR);
-        returnedAtOnce = shown.size() == 1;  // no box opened inside the first
+        returnedAtOnce = ok.texts.size() == 1;  // no box opened inside the first
     };
     MSG_Scope(MSG_Text::untranslated("First"), MSG_ACTION_ERROR);
     EXPECT_TRUE(returnedAtOnce);
-    EXPECT_EQ(shown, (QStringList{"The following error occurred:\nFirst", "The following error occurred:\nSecond"}));
+    EXPECT_EQ(ok.texts, (QStringList{"The following error occurred:\nFirst", "The following error occurred:\nSecond"}));
 }
 
 TEST_F(StationMessages, SuspendedReportsWaitAndComeAsOneList) {
+    BoxOperator ok(QStringLiteral("OK"), QStringLiteral("report_flushed_after_suspension"));
     TUMessage *m = TUMessage::instance();
     m->suspendReport(true);
     MSG_Scope(MSG_Text::untranslated("Lamp warming up"), MSG_ACTION_FATAL);
     MSG_Scope(MSG_Text::untranslated("Feeder empty"), MSG_ACTION_ERROR);
     QTest::qWait(30);
-    EXPECT_TRUE(shown.isEmpty());
-    screenshot = QStringLiteral("report_flushed_after_suspension");
+    EXPECT_TRUE(ok.texts.isEmpty());
     m->suspendReport(false);
-    EXPECT_EQ(shown, QStringList{"The following errors occurred:\n - Lamp warming up\n - Feeder empty\n"});
+    EXPECT_EQ(ok.texts, QStringList{"The following errors occurred:\n - Lamp warming up\n - Feeder empty\n"});
 }
 
 }  // namespace

@@ -31,9 +31,6 @@ bool hasPicture(TUScanImage *view) { return !view->scrollImage()->image().isNull
 
 class StationSession : public StationWindowTest {
 protected:
-    // Scans a file in settings that differ from the scanner's defaults.
-    QString scanFileToLoad();
-    void openSampleElement();
     // Presses Stop whenever the scan loop lets it be pressed.
     void pressStopDuringScan() {
         auto *timer = new QTimer(window_.get());
@@ -148,28 +145,26 @@ Standard_parameters *bwParameters(ScanConfig *config, int scanner) {
         device_of_ScannerEntry(entry_of_ScannerList(scanner_list_of_ScanConfig(config), scanner)), 0);
 }
 
-// Scans drawing 7 in black and white at 150 dpi, 16 field, left peg, with a
-// threshold of 77 on the colour test scanner; returns the file it made.
-QString StationSession::scanFileToLoad() {
-    choose(SelectionButton::Colour, 0);
-    choose(SelectionButton::Dpi, 2);    // 150 dpi
-    choose(SelectionButton::Field, 1);  // 16 field
-    choose(SelectionButton::Peg, 1);    // left
-    bwParameters(config_, 0)->threshold_current = 77;
-    buildList(QStringLiteral("7"));
-    BoxOperator operatorAnswers(QStringLiteral("Retry"), QString());
-    QTest::keyClick(window_.get(), Qt::Key_F5);
-    const Drawing *scanned = drawing_of_ScanConfig(config_);
-    if (!scanned || !row(0).startsWith(QStringLiteral("7 (Scanned)"))) return {};
-    const QDir folder(path_of_Drawing(scanned));
-    const QStringList files = folder.entryList({file_base_name_of_Drawing(scanned) + QStringLiteral(".*")}, QDir::Files);
-    return files.size() == 1 ? folder.filePath(files.first()) : QString();
-}
-
 TEST_F(StationSession, LoadFromFileRestoresTheSettingsTheFileWasScannedWith) {
     ASSERT_NE(start(twoScanners()), nullptr);
-    const QString file = scanFileToLoad();
-    ASSERT_FALSE(file.isEmpty());
+    // Drawing 7 in black and white at 150 dpi, 16 field, left peg, with a
+    // threshold of 77 on the colour test scanner.
+    choose(SelectionButton::Colour, 0);
+    choose(SelectionButton::Dpi, 2);
+    choose(SelectionButton::Field, 1);
+    choose(SelectionButton::Peg, 1);
+    bwParameters(config_, 0)->threshold_current = 77;
+    buildList(QStringLiteral("7"));
+    {
+        BoxOperator operatorAnswers(QStringLiteral("Retry"), QString());
+        QTest::keyClick(window_.get(), Qt::Key_F5);
+    }
+    const Drawing *scanned = drawing_of_ScanConfig(config_);
+    ASSERT_TRUE(scanned && row(0).startsWith(QStringLiteral("7 (Scanned)")));
+    const QDir folder(path_of_Drawing(scanned));
+    const QStringList files = folder.entryList({file_base_name_of_Drawing(scanned) + QStringLiteral(".*")}, QDir::Files);
+    ASSERT_EQ(files.size(), 1);
+    const QString file = folder.filePath(files.first());
 
     // The operator changes every setting before loading the file again.
     choose(SelectionButton::Colour, 2);
@@ -226,26 +221,29 @@ TEST_F(StationWindowTest, WithoutScannersTheOperatorIsAskedWhetherToGoOn) {
     save_screenshot(window_.get(), QStringLiteral("station_without_scanner"));
 }
 
-// The sample production: job Sample, scene sc01 in a folder beside the
-// database file, element Anim (colour, vectorized) exposing 1 to 3; the
-// session started and the element opened through the selectors.
-void StationSession::openSampleElement() {
+// Open Drawings: the element chosen in the database, its unscanned drawings
+// taken from the selector, scanned with F9, marked and queued. Before the
+// scan the file dialog of Load From File showed the folder of the SQLite file
+// and another program's session was opened and closed; after it the station
+// is closed: what the station wrote reached the file that every other
+// program uses, and the file is whole. (A dialog that opens the database's
+// files to guess their type drops SQLite's locks, and the station then
+// writes to a log nobody else reads, and over their work when it closes.)
+TEST_F(StationSession, OpenDrawingsScansAnElementOfTheDatabaseThatOthersSee) {
+    // The sample production: job Sample, scene sc01 in a folder beside the
+    // database file, element Anim (colour, vectorized) exposing 1 to 3.
     const auto job = db_->createJob(QStringLiteral("Sample"));
-    ASSERT_TRUE(job);
-    ASSERT_TRUE(QDir(dir_.path()).mkpath(QStringLiteral("sc01/Anim")));
+    ASSERT_TRUE(job && QDir(dir_.path()).mkpath(QStringLiteral("sc01/Anim")));
     const auto scene = db_->createScene(job->id, QStringLiteral("sc01"), dir_.filePath(QStringLiteral("sc01")));
     ASSERT_TRUE(scene);
-    LMV_element_data spec;
-    spec.name = spec.path = QStringLiteral("Anim");
-    spec.scanType = LMV_SCAN_COLOUR;
-    spec.needsVectorization = LMV_VECTORIZE;
-    const auto element = db_->createElement(scene->id, spec);
+    const auto element = db_->createElement(
+        scene->id, {.name = "Anim", .path = "Anim", .scanType = LMV_SCAN_COLOUR, .needsVectorization = LMV_VECTORIZE});
     ASSERT_TRUE(element);
     ASSERT_GE(db_->exposeDrawings(element->id, {"1", "2", "3"}), 0);
     ASSERT_EQ(db_->setUser(QStringLiteral("mia")), 0);
     ASSERT_NE(start(twoScanners()), nullptr);
 
-    QObject steps;
+    QObject steps;  // the element opened through the selectors
     atNextDialog<TUDbSelectDlg>(&steps, [](TUDbSelectDlg *select) {
         select->jobList()->setCurrentRow(0);
         select->sceneList()->setCurrentRow(0);
@@ -258,18 +256,6 @@ void StationSession::openSampleElement() {
     });
     window_->openDrawings();
     ASSERT_EQ(window_->drawingList()->count(), 3);
-}
-
-// Open Drawings: the element chosen in the database, its unscanned drawings
-// taken from the selector, scanned with F9, marked and queued. Before the
-// scan the file dialog of Load From File showed the folder of the SQLite file
-// and another program's session was opened and closed; after it the station
-// is closed: what the station wrote reached the file that every other
-// program uses, and the file is whole. (A dialog that opens the database's
-// files to guess their type drops SQLite's locks, and the station then
-// writes to a log nobody else reads, and over their work when it closes.)
-TEST_F(StationSession, OpenDrawingsScansAnElementOfTheDatabaseThatOthersSee) {
-    ASSERT_NO_FATAL_FAILURE(openSampleElement());
     EXPECT_TRUE(database_of_ScanConfig(config_));
     EXPECT_FALSE(window_->manualListFlag());
     EXPECT_TRUE(window_->windowTitle().endsWith(QStringLiteral(" -> Sample -> scene sc01 -> element Anim")));
@@ -292,7 +278,6 @@ TEST_F(StationSession, OpenDrawingsScansAnElementOfTheDatabaseThatOthersSee) {
         args.insert(3, file);
         return run_program(QStringLiteral(SCANCTL_PATH), args, dir_.path());
     };
-    QObject steps;
     QString shown;
     atNextDialog<QFileDialog>(&steps, [&](QFileDialog *dialog) {
         dialog->setDirectory(dir_.path());

@@ -10,25 +10,6 @@
 
 class FakeDbAccess : public TUDbAccess {
 public:
-    FakeDbAccess() {
-        job.id = 7;
-        job.environment = environment;
-        job.name = QStringLiteral("Job");
-        job.pixelShape = 3;
-        scene.id = 31;
-        scene.jobId = job.id;
-        scene.name = QStringLiteral("S1");
-        scene.version = 5;
-        element.id = 4001;
-        element.sceneId = scene.id;
-        element.name = QStringLiteral("E");
-        element.path = QStringLiteral("E");
-        element.scanType = LMV_SCAN_COLOUR;
-        element.needsVectorization = LMV_VECTORIZE;
-        element.pf = 4;
-        element.fieldChart = 16;
-    }
-
     struct ProcessedCall {
         const dba_scene_struct *scene;
         QString elementName;
@@ -38,9 +19,10 @@ public:
     };
 
     QString environment = QStringLiteral("Studio");
-    dba_job_struct job;
-    dba_scene_struct scene;
-    LMV_element_data element;
+    dba_job_struct job{.id = 7, .environment = environment, .name = "Job", .pixelShape = 3};
+    dba_scene_struct scene{.id = 31, .jobId = 7, .jobName = "Job", .name = "S1", .path = {}, .version = 5};
+    LMV_element_data element{.id = 4001, .sceneId = 31, .name = "E", .path = "E", .scanType = LMV_SCAN_COLOUR,
+                             .needsVectorization = LMV_VECTORIZE, .usesPixmap = false, .pf = 4, .fieldChart = 16};
     bool failOpen = false;
     bool failAdd = false;
 

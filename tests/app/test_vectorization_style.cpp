@@ -39,51 +39,37 @@ protected:
 
 }  // namespace
 
-TEST_F(VectorizationStyleTest, CancelGoesBackToTheRowChosenBeforeShowing) {
-    TUVectOptionsDlg dialog(nullptr);
-    EXPECT_EQ(dialog.list()->count(), 3);
-    EXPECT_EQ(dialog.currentName(), "Default Style");
-    EXPECT_EQ(dialog.currentOptions(), " ");
-
-    dialog.list()->setCurrentRow(2);
-    EXPECT_EQ(dialog.currentOptions(), "-gap 2 -no_color_art");
-    dialog.show();
-    save_screenshot(&dialog, QStringLiteral("vectorization_styles"));
-    dialog.list()->setCurrentRow(1);
-    EXPECT_EQ(dialog.currentName(), "Clean Line");
-    QPushButton *ok = nullptr;
-    for (QPushButton *button : dialog.findChildren<QPushButton *>())
-        if (button->text() == QStringLiteral("&OK")) ok = button;
-    ASSERT_NE(ok, nullptr);
-    QTest::mouseClick(ok, Qt::LeftButton);
-    EXPECT_EQ(dialog.result(), QDialog::Accepted);
-
-    dialog.show();
-    dialog.list()->setCurrentRow(0);
-    dialog.reject();
-    EXPECT_EQ(dialog.currentName(), "Clean Line") << "Cancel restores the row noted at show";
-    EXPECT_EQ(dialog.list()->currentRow(), 1);
-}
-
+// The window names the style in force from the start; OK takes the chosen
+// style for the queue's line, Cancel goes back to the row chosen before.
 TEST_F(VectorizationStyleTest, TheWindowNamesTheChosenStyleAndQueuesItsLine) {
     start(twoScanners());
     QAction *action = styleAction();
-    ASSERT_NE(action, nullptr);
-    ASSERT_TRUE(action->isEnabled());
-    EXPECT_EQ(window_->vectorizationStyleLabel()->text(), "Vectorization Style: Default Style")
-        << "the style in force is named from the start";
-
+    ASSERT_TRUE(action && action->isEnabled());
+    EXPECT_EQ(window_->vectorizationStyleLabel()->text(), "Vectorization Style: Default Style");
     action->trigger();
     TUVectOptionsDlg *dialog = window_->styleDialog();
-    ASSERT_NE(dialog, nullptr);
-    EXPECT_TRUE(dialog->isVisible());
+    ASSERT_TRUE(dialog && dialog->isVisible());
+    EXPECT_EQ(dialog->list()->count(), 3);
+    EXPECT_EQ(dialog->currentOptions(), " ");
     dialog->list()->setCurrentRow(2);
-    dialog->accept();
-
+    save_screenshot(dialog, QStringLiteral("vectorization_styles"));
+    QPushButton *ok = nullptr;
+    for (QPushButton *button : dialog->findChildren<QPushButton *>())
+        if (button->text() == QStringLiteral("&OK")) ok = button;
+    ASSERT_NE(ok, nullptr);
+    QTest::mouseClick(ok, Qt::LeftButton);
     EXPECT_EQ(window_->vectorizationStyleLabel()->text(), "Vectorization Style: Ink");
     EXPECT_EQ(window_->vectorizationStyleLine(), "-gap 2 -no_color_art");
-    EXPECT_EQ(window_->styleDialog(), dialog) << "one list per session";
     save_screenshot(window_.get(), QStringLiteral("station_vectorization_style"));
+
+    action->trigger();
+    EXPECT_EQ(window_->styleDialog(), dialog) << "one list per session";
+    dialog->list()->setCurrentRow(1);
+    EXPECT_EQ(dialog->currentName(), "Clean Line");
+    dialog->reject();
+    EXPECT_EQ(dialog->currentName(), "Ink") << "Cancel restores the row noted at show";
+    EXPECT_EQ(dialog->list()->currentRow(), 2);
+    EXPECT_EQ(window_->vectorizationStyleLine(), "-gap 2 -no_color_art");
 }
 
 TEST_F(VectorizationStyleTest, AMissingStyleListIsToldOnceAtStartAndNotDuringAScan) {

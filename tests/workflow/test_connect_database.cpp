@@ -28,12 +28,4 @@ TEST_F(ConnectDatabaseTest, AnEmbeddedDatabaseIsMadeAndOpened) {
     EXPECT_TRUE(capture_.texts('F').empty());
 }
 
-TEST_F(ConnectDatabaseTest, AnUnreachableServerIsToldAndLeavesNoAccess) {
-    qputenv("SCAN_DB", ("postgresql://nobody@/none?host=" + dir_.filePath("no-server")).toLocal8Bit());
-    std::unique_ptr<TUDbAccess> db;
-    EXPECT_EQ(ConnectDatabase(db), 0);
-    EXPECT_EQ(db, nullptr);
-    EXPECT_TRUE(capture_.contains("Could not connect to the database, exiting application."));
-}
-
 }  // namespace

@@ -12,12 +12,6 @@
 
 namespace {
 
-void clickOk(QDialog *dialog) {
-    for (QPushButton *pb : dialog->findChildren<QPushButton *>())
-        if (pb->text() == QStringLiteral("OK")) return QTest::mouseClick(pb, Qt::LeftButton);
-    ADD_FAILURE() << "no OK button";
-}
-
 void choose(QListWidget *list, const QString &text) {
     const auto items = list->findItems(text, Qt::MatchExactly);
     ASSERT_EQ(items.size(), 1) << text.toStdString();
@@ -58,7 +52,7 @@ TEST_F(DbSelectorTest, LogsInThenOpensTheChosenElement) {
         EXPECT_FALSE(shown->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok)->isEnabled());
         QTest::keyClicks(shown->environmentEdit(), QStringLiteral("stu/dio"));
         save_screenshot(shown, QStringLiteral("db_login"));
-        clickOk(shown);
+        QTest::mouseClick(childWithText<QPushButton>(shown, "OK"), Qt::LeftButton);
     });
     EXPECT_EQ(login.exec(), QDialog::Accepted);
     EXPECT_EQ(db_->userName(), QStringLiteral("mia"));
@@ -84,7 +78,7 @@ TEST_F(DbSelectorTest, LogsInThenOpensTheChosenElement) {
         EXPECT_FALSE(select->elementList()->item(1)->flags() & Qt::ItemIsEnabled);
         choose(select->elementList(), QStringLiteral("E"));
         save_screenshot(select, QStringLiteral("db_select"));
-        clickOk(select);
+        QTest::mouseClick(childWithText<QPushButton>(select, "OK"), Qt::LeftButton);
     });
     EXPECT_EQ(selector.run(false), TUDbSelector::Selected);
     EXPECT_EQ(db_->jobName(), QStringLiteral("J"));

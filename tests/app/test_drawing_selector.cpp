@@ -10,12 +10,7 @@
 
 namespace {
 
-QPushButton *button(QWidget &dialog, const QString &text) {
-    for (QPushButton *pb : dialog.findChildren<QPushButton *>())
-        if (pb->text() == text) return pb;
-    ADD_FAILURE() << "no button " << text.toStdString();
-    return nullptr;
-}
+QPushButton *button(QWidget &dialog, const QString &text) { return childWithText<QPushButton>(&dialog, text); }
 
 QStringList column(const TUDrawingSelectorTable &table, int col) {
     QStringList texts;

@@ -59,9 +59,7 @@ TEST_F(ManualListTest, OkNeedsAnExistingFolderAndGivesTheSelectedInListOrder) {
     const QString file = dir_.filePath(QStringLiteral("notes.txt"));
     QFile(file).open(QIODevice::WriteOnly);
     TUManualListDlg dlg;
-    QPushButton *ok = nullptr;
-    for (QPushButton *pb : dlg.findChildren<QPushButton *>())
-        if (pb->text() == QStringLiteral("OK")) ok = pb;
+    QPushButton *ok = childWithText<QPushButton>(&dlg, "OK");
     ASSERT_NE(ok, nullptr);
     QStringList names{QStringLiteral("kept")};
     whileOpen(dlg, [&] {

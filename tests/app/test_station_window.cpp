@@ -372,9 +372,7 @@ TEST_F(StationSession, KeysMenusAndBoxes) {
     EXPECT_EQ(name, QStringLiteral("Scan"));
     EXPECT_EQ(version, QStringLiteral("Version ") + whoami::version());
 
-    QAction *dark = nullptr;
-    for (QAction *action : window_->findChildren<QAction *>())
-        if (action->text() == QStringLiteral("Dark Style")) dark = action;
+    QAction *dark = childWithText<QAction>(window_.get(), "Dark Style");
     ASSERT_NE(dark, nullptr);
     ASSERT_TRUE(dark->isChecked());
     const QColor plain = QApplication::palette().color(QPalette::Window);

@@ -29,11 +29,6 @@ protected:
         qputenv("SCAN_ETC", oldEtc_);
         StationWindowTest::TearDown();
     }
-    QAction *styleAction() const {
-        for (QAction *action : window_->findChildren<QAction *>())
-            if (action->text() == QStringLiteral("&Vectorize Style...")) return action;
-        return nullptr;
-    }
     QByteArray oldEtc_;
 };
 
@@ -43,7 +38,7 @@ protected:
 // style for the queue's line, Cancel goes back to the row chosen before.
 TEST_F(VectorizationStyleTest, TheWindowNamesTheChosenStyleAndQueuesItsLine) {
     start(twoScanners());
-    QAction *action = styleAction();
+    QAction *action = childWithText<QAction>(window_.get(), "&Vectorize Style...");
     ASSERT_TRUE(action && action->isEnabled());
     EXPECT_EQ(window_->vectorizationStyleLabel()->text(), "Vectorization Style: Default Style");
     action->trigger();
@@ -53,11 +48,7 @@ TEST_F(VectorizationStyleTest, TheWindowNamesTheChosenStyleAndQueuesItsLine) {
     EXPECT_EQ(dialog->currentOptions(), " ");
     dialog->list()->setCurrentRow(2);
     save_screenshot(dialog, QStringLiteral("vectorization_styles"));
-    QPushButton *ok = nullptr;
-    for (QPushButton *button : dialog->findChildren<QPushButton *>())
-        if (button->text() == QStringLiteral("&OK")) ok = button;
-    ASSERT_NE(ok, nullptr);
-    QTest::mouseClick(ok, Qt::LeftButton);
+    QTest::mouseClick(childWithText<QPushButton>(dialog, "&OK"), Qt::LeftButton);
     EXPECT_EQ(window_->vectorizationStyleLabel()->text(), "Vectorization Style: Ink");
     EXPECT_EQ(window_->vectorizationStyleLine(), "-gap 2 -no_color_art");
     save_screenshot(window_.get(), QStringLiteral("station_vectorization_style"));

@@ -46,6 +46,15 @@ private:
     QTimer timer_;
 };
 
+// The child of `parent` of type T (a button or an action) with this text.
+template <typename T>
+T *childWithText(const QObject *parent, const QString &text) {
+    for (T *child : parent->findChildren<T *>())
+        if (child->text() == text) return child;
+    ADD_FAILURE() << "no " << text.toStdString();
+    return nullptr;
+}
+
 // Acts once on the next modal dialog of type T, which is closed afterwards
 // if the step left it open; the watch ends with `owner`.
 template <typename T>

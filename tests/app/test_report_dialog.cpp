@@ -44,11 +44,9 @@ TEST(ReportBox, HeadingIconAndButtonsOfEachSeverity) {
         EXPECT_EQ(makeReportBox(severity, {"a", "b"}, false, "Scan", nullptr)->icon(), icon) << severity;
 
     const auto warnings = makeReportBox('W', {QStringLiteral("First"), QStringLiteral("Second")}, false, "Scan", nullptr);
-    EXPECT_EQ(warnings->text(), "The following warnings occurred:\n - First\n - Second\n");
     warnings->show();
     save_screenshot(warnings.get(), "report_two_warnings");
     const auto thirty = makeReportBox('E', numbered(30), false, "Scan", nullptr);
-    EXPECT_TRUE(thirty->text().endsWith(" - Message 29\n..."));
     thirty->show();
     save_screenshot(thirty.get(), "report_thirty_errors");
 }

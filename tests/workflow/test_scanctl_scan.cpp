@@ -41,6 +41,10 @@ protected:
                        timeoutMs);
     }
     QStringList files() const { return QDir(scans_).entryList(QDir::Files, QDir::Name); }
+    void writeFile(const QString &name, const QByteArray &bytes) const {
+        QFile f(dir_.filePath(name));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size());
+    }
 
     QTemporaryDir dir_;
     QByteArray oldEtc_;
@@ -90,10 +94,7 @@ TEST_F(ScanctlScan, WrongWordsAreUsageErrorsAndWhatTheScannerCannotDoIsRefused) 
 }
 
 TEST_F(ScanctlScan, ListsThatEndEarlyTellWhatWasNotScannedAndWhatNotReached) {
-    QFile count(dir_.filePath(QStringLiteral("ADF_COUNT_FILE")));
-    ASSERT_TRUE(count.open(QIODevice::WriteOnly));
-    count.write("1\n");
-    count.close();
+    ASSERT_NO_FATAL_FAILURE(writeFile("ADF_COUNT_FILE", "1\n"));
     for (const char *policy : {"stop", "retry"}) {
         const ProcessResult r =
             scan({"--dpi", "72", "--feed", "autofeed", "--no-optical", "--on-misfeed", policy}, "1:3");
@@ -121,10 +122,7 @@ QString field(const QString &out, const QString &label) {
 }
 
 TEST_F(ScanctlScan, OpticalScansKeepTheirTurnAndRegisterAgainFromTheFile) {
-    QFile skew(dir_.filePath(QStringLiteral("DUMMY_XYR_OFFSET_FILE")));
-    ASSERT_TRUE(skew.open(QIODevice::WriteOnly));
-    skew.write("0.05,-0.05,0.6\n");
-    skew.close();
+    ASSERT_NO_FATAL_FAILURE(writeFile("DUMMY_XYR_OFFSET_FILE", "0.05,-0.05,0.6\n"));
     // Black and white stays uncut for the vectorizer; grey is turned and cut.
     for (const char *depth : {"bw", "grey"}) {
         const ProcessResult r = scanctl({"scan", "--conf", conf_, "--path", scans_, "--prefix", depth, "--list", "1",

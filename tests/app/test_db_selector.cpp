@@ -86,21 +86,3 @@ TEST_F(DbSelectorTest, LogsInThenOpensTheChosenElement) {
     EXPECT_EQ(selector.elementId(), element_.id);
     EXPECT_EQ(db_->selectedElementId(), element_.id);
 }
-
-TEST_F(DbSelectorTest, AKnownUserGoesStraightToTheElementsAndMayCancel) {
-    ASSERT_EQ(db_->setUser(QStringLiteral("mia")), 0);
-    TUDbSelector selector(db_.get(), db_.get(), selector_user_types());
-    QObject steps;
-    bool loginShown = false;
-    atNextDialog<TUDbUserDialog>(&steps, [&](TUDbUserDialog *) { loginShown = true; });
-    atNextDialog<TUDbSelectDlg>(&steps, [&](TUDbSelectDlg *select) {
-        choose(select->jobList(), QStringLiteral("J"));
-        choose(select->sceneList(), QStringLiteral("S"));
-        choose(select->elementList(), QStringLiteral("Paint"));
-        EXPECT_TRUE(select->elementList()->item(1)->flags() & Qt::ItemIsEnabled);  // colour scanner
-    });
-    EXPECT_EQ(selector.run(true), TUDbSelector::Cancelled);
-    EXPECT_FALSE(loginShown);
-    EXPECT_EQ(db_->openScene(), nullptr);
-    EXPECT_EQ(selector.elementId(), 0);
-}

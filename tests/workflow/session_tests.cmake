@@ -9,5 +9,4 @@ scan_add_test(workflow_tests
     ${CMAKE_CURRENT_LIST_DIR}/test_manual_list_syntax.cpp
     ${CMAKE_CURRENT_LIST_DIR}/test_drawing_list.cpp
     ${CMAKE_CURRENT_LIST_DIR}/test_database_binding.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/test_connect_database.cpp
   LIBS workflow)

@@ -67,15 +67,6 @@ TEST(DrawingListRows, MarksTheWalkAndMisuses) {
     EXPECT_EQ(view.rowCount(), 0) << "the list clears its view at the end";
 }
 
-TEST(DrawingListRows, NextStaysOnTheOnlyRow) {
-    ScriptedListView view;
-    DrawingList list(&view);
-    add_of_DrawingList(&list, "only");
-    view.setCurrentRow(0);
-    next_of_DrawingList(&list);
-    EXPECT_EQ(current_row_of_DrawingList(&list), 0);
-}
-
 using SessionList = SessionTest;
 
 // A manual list takes the dialog's folder, starts at the top and replaces

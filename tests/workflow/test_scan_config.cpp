@@ -16,6 +16,20 @@ protected:
     }
 };
 
+// Without a scanner of this machine the session starts only if the operator
+// goes on, and then scans nothing.
+TEST_F(ConfigTest, NoScannerQuestionDecidesWhetherTheSessionStarts) {
+    window_.noScannerAnswer = NoScannerAnswer::ExitScanProgram;
+    EXPECT_EQ(start(block("Elsewhere", "Bogus-Color").replace(6, host_.size(), "otherhost")), nullptr);
+    window_.noScannerAnswer = NoScannerAnswer::Continue;
+    ASSERT_NE(start(""), nullptr);
+    EXPECT_EQ(window_.noScannerAsked, 2);
+    EXPECT_EQ(scanner_kind_of_ScanConfig(config_), SCANNER_NONE);
+    EXPECT_EQ(scanner_name_of_ScanConfig(config_), "Unknown scanner");
+    list({"1"});
+    EXPECT_FALSE(window_.buttonEnabled(SessionButton::Scan));
+}
+
 // The selected scanner chosen again keeps the settings; a scanner without a
 // feeder at the depth selects Pegged; a feeder scanner ends pan cel mode.
 TEST_F(ConfigTest, ChoosingAScannerKeepsOrAdaptsTheSettings) {

@@ -57,10 +57,6 @@ protected:
         ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
         f.write(bytes);
     }
-    QByteArray readFile(const QString &name) const {
-        QFile f(dir_.filePath(name));
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
     bool exists(const QString &name) const { return QFile::exists(dir_.filePath(name)); }
 
     QTemporaryDir dir_;

@@ -67,18 +67,6 @@ TEST_F(LoopTest, PeggedManyScansTheWholeListToFilesWithScanInformation) {
     EXPECT_EQ(std::count(logged.begin(), logged.end(),
                          "OPTIONS Test <Bogus-Color>, Colour:2, 72 dpi, 12.0 field, OP:0, pegSide:1 pancelMode:0"),
               3);
-
-    QString info;
-    Drawing *d = load_Drawing(dir_.filePath("T-2.tif"), info);
-    ASSERT_NE(d, nullptr);
-    LMV_scaninfo *si = create_LMV_scaninfo();
-    ASSERT_EQ(LMV_scaninfo_from_str(si, info.toUtf8().constData()), 0);
-    EXPECT_EQ(si->dpi, 72.0f);
-    EXPECT_EQ(si->peg_side, PEG_LEFT);
-    EXPECT_EQ(QString::fromStdString(si->scanner_name), "Test");
-    EXPECT_EQ(QString(readFile("T-2.si")).trimmed(), info.trimmed());
-    destroy_LMV_scaninfo(si);
-    destroy_Drawing(&d);
 }
 
 TEST_F(LoopTest, PeggedScansOneDrawingPerPress) {

@@ -24,10 +24,10 @@
 #include "workflow/config.h"
 #include "workflow/connect_database.h"
 
-class StationWindowTest : public SelectionTest {
+class StationWindowTest : public ProductionTest {
 protected:
     void SetUp() override {
-        ASSERT_NO_FATAL_FAILURE(SelectionTest::SetUp());
+        ASSERT_NO_FATAL_FAILURE(ProductionTest::SetUp());
         oldCwd_ = QDir::currentPath();
         QDir::setCurrent(dir_.path());
         oldSleep_ = set_sleep_function_of_ScanDevice([](int) {});

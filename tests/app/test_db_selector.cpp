@@ -24,10 +24,10 @@ QStringList texts(const QListWidget *list) {
     return out;
 }
 
-class DbSelectorTest : public SelectionTest {
+class DbSelectorTest : public ProductionTest {
 protected:
     void SetUp() override {
-        SelectionTest::SetUp();
+        ProductionTest::SetUp();
         envBefore_ = db_->envName();
         element_ = makeElement(QStringLiteral("E"));
         const auto scene = db_->findScene(db_->findJob(QStringLiteral("J"))->id, QStringLiteral("S"));

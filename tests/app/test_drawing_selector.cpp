@@ -18,12 +18,12 @@ QStringList column(const TUDrawingSelectorTable &table, int col) {
     return texts;
 }
 
-class DrawingSelectorTest : public SelectionTest {
+class DrawingSelectorTest : public ProductionTest {
 protected:
     // Element E with cels 1, 7b (a drawing with versions) and 9; the scene
     // exposes 1, 2 and 7b (2 gets its cel then), and 1 has been scanned.
     void SetUp() override {
-        SelectionTest::SetUp();
+        ProductionTest::SetUp();
         element_ = makeElement();
         ASSERT_TRUE(db_->createCel(element_.id, QStringLiteral("1"), QString(), 0));
         ASSERT_TRUE(db_->createCel(element_.id, QStringLiteral("7"), QStringLiteral("b"), 2));

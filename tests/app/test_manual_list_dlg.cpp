@@ -22,7 +22,7 @@ void type(TUManualListDlg &dlg, const QString &text) {
     QTest::keyClick(dlg.numbersEdit(), Qt::Key_Return);
 }
 
-using ManualListTest = SelectionTest;
+using ManualListTest = ProductionTest;
 
 }  // namespace
 

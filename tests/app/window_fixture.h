@@ -1,7 +1,7 @@
 #pragma once
 // Shared set-up of the window tests: a production in an embedded SQLite file
-// in a temporary folder, reports recorded instead of shown, and ways to act
-// inside a modal dialog.
+// in a temporary folder with reports recorded instead of shown, an operator
+// who answers message boxes, and ways to act inside a modal dialog.
 #include <QtWidgets>
 
 #include <gtest/gtest.h>
@@ -70,7 +70,7 @@ void atNextDialog(QObject *owner, std::function<void(T *)> step) {
     timer->start(5);
 }
 
-class SelectionTest : public ::testing::Test {
+class ProductionTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(dir_.isValid());

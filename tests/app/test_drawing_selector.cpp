@@ -49,9 +49,7 @@ TEST_F(DrawingSelectorTest, OpensOnTheExposedDrawingsWithTheUnscannedSelected) {
         EXPECT_EQ(table.selectedDrawings(), QStringList({"7b", "2"}));
         QStringList headings;
         for (const QLabel *label : selector.findChildren<QLabel *>()) headings << label->text();
-        EXPECT_TRUE(headings.contains(QStringLiteral("Job: J")));
-        EXPECT_TRUE(headings.contains(QStringLiteral("Scene: S")));
-        EXPECT_TRUE(headings.contains(QStringLiteral("Element: E")));
+        for (const char *heading : {"Job: J", "Scene: S", "Element: E"}) EXPECT_TRUE(headings.contains(heading)) << heading;
         EXPECT_FALSE(button(selector, QStringLiteral("Add Drawing"))->isEnabled());
         EXPECT_TRUE(button(selector, QStringLiteral("OK"))->isEnabled());
         save_screenshot(&selector, QStringLiteral("drawing_selector_open"));

@@ -107,10 +107,20 @@ TEST_F(ParamDlgTest, SwitchingScannersFiresNoValueSignalAndMovesGoToTheNewSet) {
     EXPECT_EQ(thresholdInt.at(0).at(0).value<Standard_parameters *>(), b);
 }
 
-TEST_F(ParamDlgTest, GammaRunsOnTheSliderAtAHundredTimesItsValue) {
+// Gamma runs on the slider at a hundred times its value; a drop colour
+// chosen is written, and no choice stays empty.
+TEST_F(ParamDlgTest, GammaAndDropColourOfABareSet) {
     Standard_parameters set;
     ASSERT_TRUE(init_gamma_of_Standard_parameters(&set, 0.01f, 3.0f, 1.0f));
+    ASSERT_TRUE(init_rgbDrop_of_Standard_parameters(
+        &set, {QStringLiteral("None, 0"), QStringLiteral("Red, 1, 0"), QStringLiteral("Green, 2, 0")}));
+    set.rgbDrop_index = -1;
     SCANAPP_DisplayParameters(&set, &dlg);
+    QComboBox *box = dlg.rgbDropWidget()->colourBox();
+    EXPECT_EQ(box->currentIndex(), -1);
+    box->setCurrentIndex(2);
+    EXPECT_EQ(set.rgbDrop_index, 2);
+    EXPECT_EQ(rgbDrop_of_Standard_parameters(&set), QStringLiteral("2, 0"));
     QSlider *slider = dlg.gammaWidget()->slider();
     EXPECT_EQ(slider->value(), 100);
     EXPECT_EQ(slider->minimum(), 1);
@@ -169,19 +179,6 @@ TEST_F(ParamDlgTest, SpeedModes) {
     save_screenshot(&dlg, QStringLiteral("param_speed_off_presets"));
     modes->setCurrentIndex(0);
     EXPECT_EQ(grey->speed_current, 15000);
-}
-
-TEST_F(ParamDlgTest, DropColourChoiceIsWrittenAndNoChoiceStaysEmpty) {
-    Standard_parameters set;
-    ASSERT_TRUE(init_rgbDrop_of_Standard_parameters(
-        &set, {QStringLiteral("None, 0"), QStringLiteral("Red, 1, 0"), QStringLiteral("Green, 2, 0")}));
-    set.rgbDrop_index = -1;
-    SCANAPP_DisplayParameters(&set, &dlg);
-    QComboBox *box = dlg.rgbDropWidget()->colourBox();
-    EXPECT_EQ(box->currentIndex(), -1);
-    box->setCurrentIndex(2);
-    EXPECT_EQ(set.rgbDrop_index, 2);
-    EXPECT_EQ(rgbDrop_of_Standard_parameters(&set), QStringLiteral("2, 0"));
 }
 
 }  // namespace

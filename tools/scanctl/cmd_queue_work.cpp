@@ -144,13 +144,12 @@ private:
         if (a == Answer::Ok) a = keepLease(e);
         if (a != Answer::Ok) return lostOrFailed(e, a);
         p.setProcessChannelMode(QProcess::ForwardedOutputChannel);
-        p.setChildProcessModifier(lead_new_process_group);
+        p.setChildProcessModifier(guard_.childSetUp());
         p.start(command_[0], command_.mid(1));
         if (!p.waitForStarted()) {
             return record(e, QStringLiteral("can't start %1: %2").arg(command_[0], p.errorString()));
         }
         const pid_t group = pid_t(p.processId());
-        guard_.watch(group);
         for (;;) {
             const qint64 due = leaseFrom_ + leaseMs() / 3 - clock_.elapsed();
             if (p.waitForFinished(int(std::max<qint64>(1, due))) || p.state() == QProcess::NotRunning) break;

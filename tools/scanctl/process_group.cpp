@@ -60,9 +60,13 @@ void ProcessGroupGuard::watch(pid_t group) {
     if (pipe_ >= 0) (void)!::write(pipe_, &group, sizeof group);
 }
 
-void lead_new_process_group() {
-    ::setpgid(0, 0);
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+std::function<void()> ProcessGroupGuard::childSetUp() const {
+    return [guard = pipe_] {
+        ::setpgid(0, 0);
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        const pid_t self = ::getpid();
+        if (guard >= 0) (void)!::write(guard, &self, sizeof self);
+    };
 }
 
 void kill_process_group(pid_t group) {

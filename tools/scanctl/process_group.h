@@ -4,6 +4,8 @@
 // group when the worker dies, however it dies: SIGKILL reaches no handler,
 // so the guard, forked at the start, waits on a pipe instead, and when the
 // worker's end of the pipe closes it kills the group it was last told of.
+#include <functional>
+
 #include <sys/types.h>
 
 class ProcessGroupGuard {
@@ -19,15 +21,16 @@ public:
     bool ok() const { return pipe_ >= 0; }
     // The group to end should this process die; 0 for none.
     void watch(pid_t group);
+    // For QProcess::setChildProcessModifier: the child leads a new process
+    // group, is killed when the thread that started it dies, and tells the
+    // guard of its group itself, before it runs anything: the worker could be
+    // killed before it learns the child's id.
+    std::function<void()> childSetUp() const;
 
 private:
     int pipe_ = -1;  // the writing end
     pid_t guard_ = -1;
 };
-
-// For QProcess::setChildProcessModifier: the child leads a new process group,
-// and is killed when the thread that started it dies.
-void lead_new_process_group();
 
 // Kills every process of the group; nothing happens when none is left.
 void kill_process_group(pid_t group);

@@ -72,10 +72,8 @@ std::vector<uint32_t> pixels_of(const CEL_PixmapPtr &leaf)
     return out;
 }
 
-// Every form, size, peg side and inversion, three random band splits each.
-// Sizes: a 13-pixel one-bit line (two bytes, three bits dropped), single
-// columns and rows, and sizes that exercise whole 16-line groups and
-// 16-pixel blocks with remainders.
+// Every form, peg side and inversion, three random band splits each, on single rows and columns,
+// a 13-pixel one-bit line (three bits dropped) and whole 16-line groups and 16-pixel blocks with rests.
 TEST(BandLoader, MatchesTheTableOfTurnsForAnyBandSplit)
 {
     std::vector<std::pair<int, int>> sizes{{67, 83}};
@@ -95,9 +93,8 @@ TEST(BandLoader, MatchesTheTableOfTurnsForAnyBandSplit)
                         MessageCapture capture;
                         PixmapHolder pm(create_pixmap(form == Form::Rgb ? PIXMAP_RGBA8 : PIXMAP_MATTE8, W, H));
                         int32_t x = -7, y = -7;
-                        // Band lengths as a driver might send them: any whole number of RGB pixels up to three
-                        // lines (so bands stop within lines); whole lines otherwise, up to 40, so that bands hold
-                        // whole groups of lines turned together as well as remainders.
+                        // RGB bands of any whole number of pixels (ending within lines); whole lines
+                        // otherwise, up to 40, so that groups of lines are turned together as well as rests.
                         const size_t unit = size_t(form == Form::Rgb ? 3 : line_bytes(form, W));
                         for (size_t offset = 0, len; offset < raster.size(); offset += len) {
                             len = std::min(raster.size() - offset, (1 + rng() % (form == Form::Rgb ? 3 * W : 40)) * unit);
@@ -118,9 +115,8 @@ TEST(BandLoader, MatchesTheTableOfTurnsForAnyBandSplit)
                 }
 }
 
-// Bad calls: an assertion each, nothing stored and the position kept. The
-// raster is four 13-pixel lines (13 grey bytes or 2 packed bytes a line), its
-// first line stored.
+// Bad calls: an assertion each, nothing stored, the position kept. Four 13-pixel lines (13 grey
+// or 2 packed bytes each), the first stored.
 TEST(BandLoaderRejects, BadBandsStoreNothing)
 {
     struct Case {
@@ -162,9 +158,8 @@ TEST(BandLoaderRejects, BadBandsStoreNothing)
               std::tuple(uint16_t(0), CEL_RGBA8Pixel{4, 5, 6, 0}, 2));
 }
 
-// Images read from files: one bit spread to 0 and 255 (lines padded by Qt to
-// four bytes), colour kept without its alpha; both turned like scans, as the
-// continuous turn that registration charts use has it too.
+// Images from files: one bit spread to 0 and 255 (Qt pads lines to four bytes), colour without
+// its alpha; both turned like scans, and like the continuous turn registration charts use.
 TEST(PixmapFromQImage, MonoAndColourImagesAreTurnedLikeScans)
 {
     std::mt19937 rng(5);

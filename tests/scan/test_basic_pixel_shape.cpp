@@ -4,9 +4,8 @@
 #include "scan/basic_pixel_shape.h"
 #include "tests/support/message_capture.h"
 
-// Each shape sets its aspect; Unset keeps the shape in force (Unset itself
-// right after start) but resets the aspect with an error, and an unknown shape
-// is kept with an assertion.
+// Each shape sets its aspect; Unset keeps the shape (Unset itself at start) but resets the aspect
+// with an error; an unknown shape is kept with an assertion.
 TEST(PixelShape, EachShapeSetsItsAspect)
 {
     ASSERT_EQ(current_pixel_shape(), PIXEL_SHAPE_UNSET);

@@ -251,9 +251,8 @@ TEST_F(BogusDevice, ChartSkewFollowsFeedAndRegistration) {
     }
 }
 
-// Levels are stretched for the chart named as such, not for the chart that
-// stands in for a file that can't be read. Degenerate points make the stretch
-// visible on a two-valued chart: everything turns white.
+// Levels are stretched for the named chart, not for the one standing in for an unreadable file;
+// degenerate points make the stretch turn the two-valued chart all white.
 TEST_F(BogusDevice, StretchOnlyForTheNamedChart) {
     for (const char *source : {"fieldchart", "no/such/sheet.tif"}) {
         auto dev = device("Bogus-Color", QString::fromLatin1(source));

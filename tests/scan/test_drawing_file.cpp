@@ -1,6 +1,5 @@
-// The drawing record, and saving and loading drawings: round trips of every
-// pixel kind with their scan information, file names, side files, and failed
-// saves that must lose nothing.
+// The drawing record, and saving and loading drawings: round trips of every kind with scan
+// information, file names, side files, and failed saves that must lose nothing.
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -72,9 +71,8 @@ protected:
 
 }  // namespace
 
-// Pixels and scan information come back; the file is opaque for other
-// programs (which show alpha 0 as a transparent sheet) and carries the scan's
-// resolution (without tags they take 72 dpi).
+// Pixels and scan information come back; the file is opaque for other programs (alpha 0 would be
+// a transparent sheet) and carries the scan's resolution (without tags they take 72 dpi).
 TEST_F(DrawingFile, RoundTripsOfEveryKind) {
     struct Case {
         int32_t kind, format, celType, samples;  // samples 0: not checked

@@ -38,9 +38,8 @@ int count_cracks(const BM_MaskMap &mask) {
     return n;
 }
 
-// The boundary walk as plainly as it can be put: every pixel of a row looked
-// at (bytes that are all clear passed over), two walked-crack bits a pixel,
-// and each move tested against the cracks' codes.
+// The boundary walk put plainly: every pixel of a row looked at (all-clear bytes passed over), two
+// walked-crack bits a pixel, each move tested against the cracks' codes.
 std::vector<std::vector<Math::Point2d>> plain_trace(BM_MaskMap mask) {
     const int w = mask.width(), h = mask.height();
     for (int y = 0; y < h; ++y)
@@ -88,9 +87,8 @@ std::vector<std::vector<Math::Point2d>> plain_trace(BM_MaskMap mask) {
     return out;
 }
 
-// The stamp done cell by cell: every pixel above the threshold inside the
-// search box and outside the exclusion (each taken from the floor of its start
-// to the ceiling of its end) stamps a disc; the grey keeps only those looked at.
+// The stamp cell by cell: each pixel above the threshold in the box and out of the exclusion (both
+// from the floor of the start to the ceiling of the end) stamps a disc; the grey keeps only those.
 BM_MaskMap plain_stamp(BM_GreyMap &grey, int threshold, const Math::Box2d &search, const Math::Box2d &excluded, int r) {
     const int w = grey.width(), h = grey.height();
     const auto in = [](const Math::Box2d &b, int x, int y) {
@@ -109,10 +107,8 @@ BM_MaskMap plain_stamp(BM_GreyMap &grey, int threshold, const Math::Box2d &searc
     return mask;
 }
 
-// The centroid as a plain sweep: masked pixels weighed by grey at their
-// indices and summed in row order (any other order rounds differently), in a
-// window clamped to the picture; the point comes back unchanged outside the
-// picture or when nothing weighs.
+// The centroid swept in row order (another order rounds differently) over a window clamped to the
+// picture; the point comes back unchanged outside the picture or when nothing weighs.
 Math::Point2d plain_centroid(const BM_MaskMap &mask, const BM_GreyMap &grey, Math::Point2d at, int width, int height) {
     const int w = grey.width(), h = grey.height();
     if (at.x < 0 || at.y < 0 || at.x >= w || at.y >= h) return at;
@@ -146,10 +142,8 @@ TEST(PegMask, ReportsFewerThanThreeValuesInTheBox) {
     EXPECT_EQ(excluded.get(19, 3), 0u);
 }
 
-// Thinning against the plain labelling sweep, which peels k layers from the
-// top left (row 0 and column 0 count as clear), on random pictures: k is the
-// difference of the radii, or 1 when they are equal and `keep` is set.
-// Without `keep`, the grey outside the mask is cleared.
+// Thinning against a labelling sweep peeling k layers from the top left (row and column 0 clear):
+// k is the radii's difference, or 1 when equal; without `keep` the grey outside the mask is cleared.
 TEST(PegMask, ThinningMatchesTheLabellingSweep) {
     std::mt19937 rng(3);
     for (auto [r1, r2, keep] : {std::tuple(4, 1, true), {4, 1, false}, {3, 1, true}, {0, 0, true}, {2, 2, true}}) {
@@ -185,9 +179,8 @@ TEST(PegMask, ThinningMatchesTheLabellingSweep) {
     }
 }
 
-// One pixel is a diamond of crack midpoints (the frame the trace clears is
-// checked with the plain walk); a limit keeps the scan to its rows and
-// columns, inclusive.
+// One pixel is a diamond of crack midpoints; a limit keeps the scan to its rows and columns,
+// inclusive.
 TEST(ContourTracer, OnePixelIsADiamondAndALimitHolds) {
     BM_MaskMap mask(16, 16);
     mask.set(2, 2, 1), mask.set(13, 13, 1);
@@ -201,12 +194,8 @@ TEST(ContourTracer, OnePixelIsADiamondAndALimitHolds) {
     EXPECT_EQ(paths[0].point(0), (Math::Point2d{13.5, 14}));
 }
 
-// The search's paths against plain ones, on tiny and degenerate pictures,
-// at the borders and around word boundaries: the stamp, on a whole mask (with
-// the larger radius second: no thinning) and on one of only the band's rows,
-// against the cell-by-cell stamp; the word-wise tracer, fresh or reusing
-// its marks, against the plain walk (and every crack walked once); the centroid over either mask against the
-// plain sweep, to the bit.
+// The quick paths against plain ones on tiny, degenerate and word-edge pictures: the stamp on a whole
+// mask and on a band's rows; the tracer, fresh or reusing marks (every crack once); the centroid, to the bit.
 TEST(PegSearch, QuickPathsEqualPlainOnes) {
     struct Case {
         const char *name;

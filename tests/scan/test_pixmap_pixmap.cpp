@@ -34,9 +34,8 @@ TEST(PixmapCreate, EachKindFillsItsOwnSlotAndOtherKindsNone)
         EXPECT_EQ(std::tuple(type_of_pixmap(pm), filled_slots(pm), width_of_pixmap(pm)), std::tuple(PIXMAP_NONE, 0, 3));
 }
 
-// Setting hands the block to a new leaf and empties the other slots;
-// replacing takes a leaf of the same class only, and leaves no pixels
-// otherwise; releasing counts down before letting go of the leaf.
+// Setting hands the block to a new leaf and empties the other slots; replacing takes a leaf of the
+// same class only; releasing counts down before letting go of the leaf.
 TEST(PixmapSlots, SetReplaceAndRelease)
 {
     PixmapHolder pm(create_pixmap(PIXMAP_RGBA8, 8, 8));
@@ -99,9 +98,8 @@ std::vector<uint8_t> grey_pixels(const LMV_pixmap *pm)
     return {leaf->data(), leaf->data() + leaf->pixelCount()};
 }
 
-// Flip mirrors in place; scale replaces the leaf with the moved picture;
-// stretch turns colour to grey and spreads the levels; the image shows grey
-// and colour.
+// Flip mirrors in place; scale replaces the leaf; stretch turns colour to grey and spreads the
+// levels; the image shows grey and colour.
 TEST(PixmapOperations, FlipScaleStretchAndImage)
 {
     using Pixels = std::vector<uint8_t>;

@@ -1,6 +1,5 @@
-// Rotation: the quarter turns and the limits, the traces and assertions, and
-// the fast shear kernels against a plain reference that follows each line of
-// each pass pixel by pixel on full canvases.
+// Rotation: quarter turns, limits, traces and assertions, and the fast shear kernels against a
+// plain reference that follows each line of each pass pixel by pixel on full canvases.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -214,9 +213,8 @@ TEST(RotateKernels, FastKernelsMatchTheReferenceExactly)
                 *sparse.at(int32_t(rng() % 61), int32_t(rng() % 45)) = int32_t(rng() % 256);
             expect_reference(sparse, {1.0f, 12.5f, 33.0f, 81.0f});
         }
-        // The vector kernels take lines in steps of 32 bytes and finish with a
-        // step that overlaps the one before; lines shorter than a step go pixel
-        // by pixel. Small angles keep the columns of the vertical pass in long runs.
+        // Vector kernels take 32-byte steps, the last overlapping the one before; shorter lines go
+        // pixel by pixel. Small angles keep the vertical pass's columns in long runs.
         for (int32_t kind : {PIXMAP_RGBA8, PIXMAP_MATTE8})
             for (int32_t w = 1; w <= 42; ++w)
                 expect_reference(random_picture(kind, w, 7, rng), {0.3f, 2.0f, 358.0f});
@@ -224,10 +222,8 @@ TEST(RotateKernels, FastKernelsMatchTheReferenceExactly)
     set_shear_wide_vectors(true);
 }
 
-// The arithmetic the reference shares with the kernels: the taps of a shift,
-// the quarter turns taken out of an angle (reduced in double, narrowed once),
-// the result's size from the rounded-off extent of the turned picture (a
-// single column is narrower than half a pixel), and the scan loop's angle.
+// What the reference shares with the kernels: a shift's taps, the quarter turns (reduced in double,
+// narrowed once), the size from the rounded extent (one column is < half a pixel), the loop's angle.
 TEST(RotateArithmetic, StepsTurnsSizesAndAngles)
 {
     for (auto [v, off, wa, wb] : {std::tuple(3.0f, 3, 1.0f, 0.0f), {2.25f, 2, 0.75f, 0.25f}, {-0.25f, -1, 0.25f, 0.75f},
@@ -249,11 +245,8 @@ TEST(RotateArithmetic, StepsTurnsSizesAndAngles)
     EXPECT_EQ(rotation_angle_from_radians(-M_PI / 2), 90.0f);
 }
 
-// The call: the centre is carried along (a mark at the centre ends up
-// there); zero does nothing, before any check; a full turn, null pointers and
-// an empty pixmap change nothing; bounds are cut to the picture, and a right
-// edge past it moves the left edge to the last column, the part reading on
-// along the rows.
+// The centre is carried along; zero does nothing, before any check; a full turn, null pointers and
+// an empty pixmap change nothing; bounds are cut to the picture, a right edge past it moves x0 to the last column.
 TEST(RotateCalls, CentreNoOpsBadCallsAndBounds)
 {
     Picture src = blank(PIXMAP_MATTE8, 64, 48, {0});

@@ -44,9 +44,8 @@ protected:
 
 }  // namespace
 
-// A unit attention or a refused request is retried once after a pause; any
-// other failure at once is not. A record that failed to reserve stays open
-// until released.
+// A unit attention or a refused request is retried once after a pause, no other failure is; a
+// record that failed to reserve stays open until released.
 TEST_F(DeviceTest, ReserveRetriesOnceAfterUnitAttentionOrRefusal) {
     struct Row {
         std::vector<SimScsiReply> replies;

@@ -95,10 +95,8 @@ TEST_F(ConfTest, CommentsCrLfLinesTabsTrimmedValuesAndLongLines) {
     EXPECT_EQ(defaultThreshold_of_ScannerEntry(only()), 7);
 }
 
-// Keywords are exact words (" #" is the keyword "#"); a refused model loses
-// its whole block, whatever it holds; an enumerated value is an exact word
-// too and a refused one keeps what was there. A name keeps a tab but loses
-// its blanks.
+// Keywords and enumerated values are exact words (" #" is the keyword "#"); a refused
+// value keeps what was there, a refused model loses its block; a name loses blanks, not tabs.
 TEST_F(ConfTest, UnknownWordsAndModels) {
     read(block("Bogus-Color", " # not a comment\nDefaultThreshold: 12\nNAME: other\nodd%2%1:\ndefaultPegSide: bottom\n"
                               "defaultPegSide: Left\nregistrationStrictness: Loose\nregistrationStrictness: strict\n",
@@ -186,9 +184,8 @@ TEST_F(ConfTest, MissingFieldsAreAllReportedAndTheRecordStaysUnfinished) {
     EXPECT_EQ(dev->default_threshold, -1);
 }
 
-// Stated defaults reach the device; unstated ones read through from the
-// model; the gamma file only reaches the models that take one; drop colours
-// add up, a drop-out colour is replaced.
+// Stated defaults reach the device, unstated ones read through from the model; only models that
+// take a gamma file get it; drop colours add up, a drop-out colour is replaced.
 TEST_F(ConfTest, DefaultsMergeWithTheDeviceBothWays) {
     read(block("Sharp_JX-610", "defaultGamma: 2.5\ndefaultBlackPoint: 30\n", "Sharp") +
          block("Epson_836XL", "gammaFile: /studio/g.txt\n", "A") + block("Bogus-Color", "gammaFile: /studio/g.txt\n", "B") +
@@ -305,9 +302,8 @@ TEST(ModelTable, SupportedNamesAreExact) {
     EXPECT_FALSE(setup_model_of_devices(nullptr));
 }
 
-// Each family's parameter groups and resolutions. Sharp and Umax want no
-// gamma file at all for colour gamma; Epson only an absent file, and the
-// GT-15000 loses its grey gamma to an existing one.
+// Each family's parameter groups and resolutions. Colour gamma: Sharp and Umax want no gamma
+// file, Epson an absent one; the GT-15000 loses its grey gamma to an existing one.
 TEST_F(ConfTest, ParameterSetsAndResolutionsPerFamily) {
     const QString existing = dir_.filePath(QStringLiteral("gamma.txt"));
     QFile(existing).open(QIODevice::WriteOnly);
@@ -324,9 +320,7 @@ TEST_F(ConfTest, ParameterSetsAndResolutionsPerFamily) {
         {"Umax_Mirage", drop, "TS/BGS/GS " + all},
         {"Microtek_9600XL", drop, "T/BG/G " + all},
         {"Ricoh_IS410", drop, "T/B/ 100 150 200 240 300 400 "},
-        {"Ricoh_IS450", drop, "T/B/ 100 150 200 240 300 400 "},
         {"Ricoh_IS330", drop, "T/B/ 100 150 200 240 300 400 600 "},
-        {"Ricoh_IS760", drop, "T/B/ 100 150 200 240 300 400 "},
         {"Epson_836XL", absent, "T/BG/G " + all},
         {"Epson_836XL", present, "T/BG/ " + all},
         {"Epson_GT-15000", present, "T/B/ " + all},
@@ -385,7 +379,7 @@ TEST_F(ConfTest, SetupReplacesOutOfRangeDefaults) {
 
 TEST_F(ConfTest, ResolutionCheckMovesUpToAnOfferedStep) {
     const std::tuple<const char *, int, int> rows[] = {
-        {"Fujitsu_M3096G", 250, 300}, {"Ricoh_IS410", 250, 300}, {"Sharp_JX-610", 1000, 600},
+        {"Fujitsu_M3096G", 250, 300}, {"Sharp_JX-610", 1000, 600},
         {"Fujitsu_fi4750C", 120, 120},  // 150 is not offered
         {"Bogus-Color", 220, 200},      // above its highest
         {"Ricoh_IS420", 72, 100},       {"Sharp_JX-610", 73, 100}, {"Plugin-Color", 150, 300},

@@ -67,7 +67,6 @@ TEST(ScanInfo, LinesOfEveryVersionAndTheirFailures) {
          0, "v3 hostC|JX610 T-1 B5 W250 G1.5 S0 side0 pegged0 F12 n1 D300 A0.002 X1500 Y75.5", ""},
         {"", 0, kReset, ""},
         {"Version: 4" + v3.substr(10), 1, kReset, "Unrecognized scaninfo version 4.\n"},
-        {"Scan Host: x", 1, kReset, "LMV_scaninfo_from_str(): parse error.\n"},
         {" ", 1, kReset, "LMV_scaninfo_from_str(): parse error.\n"},
         {"version: 3", 1, kReset, "LMV_scaninfo_from_str(): parse error.\n"},
         // A short line keeps what was read and still sets side and pegged.

@@ -90,7 +90,6 @@ TEST_F(PegInfoTest, ScanInfoPutsTheRotationCentreOnThePegOfEverySideAndField) {
                        pegWorldPosition(side.name, field.inches), 1e-3);
         }
     }
-
     // An inch is a field's twelfth and the paper's angle is turned back: a
     // point one inch from the centre, at the angle the paper had.
     const double angle = 0.1;
@@ -98,7 +97,6 @@ TEST_F(PegInfoTest, ScanInfoPutsTheRotationCentreOnThePegOfEverySideAndField) {
     const Point2d centre{1500, 2200 - 1.0 - 2000};
     const Point2d inchAway = rotatedAbout({centre.x + 300, centre.y}, centre, angle);
     expectNear(peg.transform.Apply(inchAway), {kUnitsPerInchAtField12, -kUnitsPerInchAtField12 * 5.25}, 1e-2);
-
     // Reading at half size halves dpi and the centre but not the field.
     options.downscale_input = 2;
     const PegInfo half = fromScanInfo(scanInfoLine(4, 16, 400, 0, 2000, 3000), 2000, 1600);
@@ -135,7 +133,6 @@ TEST_F(PegInfoTest, DescriptionNamesPagesPeggingSideFieldAndDpi) {
     } cases[] = {
         {scanInfoLine(4, 12, 300, 0, 0, 0), 1, 300, 12, "1 Page, Pegged, Bottom Holes, 12F Paper, 300 DPI"},
         {scanInfoLine(1, 16.5f, 300, 0, 0, 0, 0, 2), 3, 100, 16.5f, "2 Pages, Not Pegged, Left Holes, 16F Paper, 100 DPI"},
-        {scanInfoLine(4, 16, 400, 0, 0, 0), 2, 200, 16, "1 Page, Pegged, Bottom Holes, 16F Paper, 200 DPI"},
         {"Version: 3 Peg Side: Top Pegged: Yes Paper Size: 12 Pages: 1 Rotation Angle: 0 ", 1, 75, 12,
          "1 Page, Pegged, Top Holes, 12F Paper, 200 DPI"},
         {"DPI: abc Paper Size: x", 1, 75, 12, "1 Page, Not Pegged, Bottom Holes, 12F Paper, 200 DPI"},
@@ -165,19 +162,16 @@ TEST_F(PegInfoTest, PlainImageFillsTheFieldHeightAndCarriesItsOwnKeywords) {
     const double halfWidth = 1875.0 * 2000 / 1500;
     expectNear(peg.transform.Apply(Point2d{0, 0}), {-halfWidth, -1875});
     expectNear(peg.transform.Apply(Point2d{2000, 1500}), {halfWidth, 1875});
-
     // The lower right quarter of it, with y counted down in the whole picture:
     // the part's pixel (0, 0) is the whole's pixel (1000, 0), y upward.
     const PegInfo part(false, 0, false, QString(), "p.png", false, 1000, 750, kNoMargins, false, 1.0, 0.0, options,
                        PegSubWindow{1000, 750, 1000, 750, 2000, 1500});
     expectNear(part.transform.Apply(Point2d{0, 0}), peg.transform.Apply(Point2d{1000, 0}));
     expectNear(part.transform.Apply(Point2d{1000, 750}), peg.transform.Apply(Point2d{2000, 750}));
-
     // No height: the identity, and the text stays.
     const PegInfo empty(false, 0, false, "kept", "e.png", false, 10, 0, kNoMargins, false, 1.0, 0.0, options);
     EXPECT_EQ(empty.transform, Math::Matrix2x3());
     EXPECT_EQ(empty.info, "kept");
-
     // A larger field: the same picture covers more world, and dpi follows.
     options.left_pixel_margin = 10;
     options.top_pixel_margin = 20;
@@ -186,7 +180,6 @@ TEST_F(PegInfoTest, PlainImageFillsTheFieldHeightAndCarriesItsOwnKeywords) {
     expectNear(wide.transform.Apply(Point2d{2000, 1500}), {halfWidth * 16 / 12, 2500});
     EXPECT_DOUBLE_EQ(wide.picture_box.x0, 10);
     EXPECT_DOUBLE_EQ(wide.picture_box.y1, 1480);
-
     // At a given dpi, 100 pixels are one inch, a twelfth of the field's 5000 units.
     options.dpi = 100;
     const Math::Vector2d inch = plain(1200, 600).transform.Apply(Math::Vector2d{100, 100});
@@ -225,7 +218,6 @@ TEST_F(PegInfoTest, RegistrationPutsTheCentrePegAtThePegDistanceWhateverTheAngle
             expectNear(info.transform.Apply(turned(c.c)), peg, 1e-6);
             expectNear(info.transform.Apply(turned(probe)), want, 1e-6);
             EXPECT_TRUE(info.peg_box.isEmpty());
-
             // Given in the side's own order, the result is the same.
             PegInfo ordered = info;
             ordered.InitFromPegPositions(turned(c.b), turned(c.c), turned(c.a), c.side, kNoMargins, true, 1.0, dpi,
@@ -233,7 +225,6 @@ TEST_F(PegInfoTest, RegistrationPutsTheCentrePegAtThePegDistanceWhateverTheAngle
             expectNear(ordered.transform.Apply(probe), info.transform.Apply(probe), 1e-9);
         }
     }
-
     // Without keeping the bars, the points with y flipped, grown by half the
     // bar size on every side, are blanked; margins set the picture.
     PegInfo info = plain(w, h);

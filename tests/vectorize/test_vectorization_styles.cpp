@@ -98,9 +98,3 @@ TEST(VectorizationStyles, LoadingReportsAMissingFileAndTheErrorsOfABadOne) {
     EXPECT_EQ(names(loadVectorizationStyles(missing)), QStringList{"Default Style*"});
     EXPECT_TRUE(capture.errors().empty());
 }
-
-TEST(VectorizationStyles, TheFileLivesInTheConfigurationFolder) {
-    qputenv("SCAN_ETC", "/studio/etc");
-    EXPECT_EQ(vectorizationStylesPath(), "/studio/etc/VectOptions.conf");
-    qunsetenv("SCAN_ETC");
-}

@@ -48,13 +48,8 @@ inline QString readFile(const QString &path) {
 
 // Lines of the log after its header.
 inline QStringList bodyLines(const QString &log) {
-    QStringList out;
-    bool header = true;
-    for (const QString &l : log.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
-        if (header && l.startsWith(QLatin1Char(' '))) continue;
-        header = false;
-        out << l;
-    }
+    QStringList out = log.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    while (!out.isEmpty() && out.first().startsWith(QLatin1Char(' '))) out.removeFirst();
     return out;
 }
 

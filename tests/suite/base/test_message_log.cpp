@@ -15,14 +15,17 @@
 
 namespace {
 
-MessageLog::Identity identityIn(const QTemporaryDir &dir) {
+class MessageLogTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        id.folder = dir.path();
+        id.appName = QStringLiteral("Scan Station");
+        id.userName = QStringLiteral("tester");
+        id.version = QStringLiteral("1.4\n\n  \nbuild 77\n");
+    }
+    QTemporaryDir dir;
     MessageLog::Identity id;
-    id.folder = dir.path();
-    id.appName = QStringLiteral("Scan Station");
-    id.userName = QStringLiteral("tester");
-    id.version = QStringLiteral("1.4\n\n  \nbuild 77\n");
-    return id;
-}
+};
 
 bool notLive(const QString &lock, const QString &) { return !LogLock::isLive(lock); }
 
@@ -66,14 +69,11 @@ TEST(LogLock, LiveWhileHeldStaleOnceLeftBehind) {
 TEST(MessageLog, NamesFollowAppUserAndNumber) {
     EXPECT_EQ(MessageLog::baseName("/logs", "Scan Station 2", "ann"), QStringLiteral("/logs/ScanStation2_ann_"));
     EXPECT_EQ(MessageLog::numbered("/logs/Scan_ann_", 7, ".log"), QStringLiteral("/logs/Scan_ann_0007.log"));
-    EXPECT_EQ(MessageLog::numbered("/logs/Scan_ann_", 9999, ".lock"), QStringLiteral("/logs/Scan_ann_9999.lock"));
     EXPECT_EQ(MessageLog::versionLine("Scan 1.4\r\n\r\n   \nbuild 77\n"), QStringLiteral("Scan 1.4, build 77"));
     EXPECT_EQ(MessageLog::versionLine(""), QString());
 }
 
-TEST(MessageLog, SkipsLiveLocksAndReusesStaleOnes) {
-    QTemporaryDir dir;
-    const MessageLog::Identity id = identityIn(dir);
+TEST_F(MessageLogTest, SkipsLiveLocksAndReusesStaleOnes) {
     const QString base = MessageLog::baseName(dir.path(), id.appName, id.userName);
 
     LogLock first, second;
@@ -85,19 +85,16 @@ TEST(MessageLog, SkipsLiveLocksAndReusesStaleOnes) {
     ASSERT_TRUE(log.open(id, notLive));
     EXPECT_EQ(log.logPath(), MessageLog::numbered(base, 3, ".log"));
     EXPECT_EQ(log.lockPath(), MessageLog::numbered(base, 3, ".lock"));
-
     // Another log of the same user and program, opened while this one lives.
     MessageLog other;
     ASSERT_TRUE(other.open(id, notLive));
     EXPECT_EQ(other.logPath(), MessageLog::numbered(base, 4, ".log"));
-
     // The lock file tells who holds the log, on three lines.
     const QStringList lines = readFile(log.lockPath()).split('\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 3);
     EXPECT_TRUE(QRegularExpression("^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d$").match(lines[0]).hasMatch()) << lines[0].toStdString();
     EXPECT_EQ(lines[1], QStringLiteral("Lock file for the log of Scan Station"));
     EXPECT_EQ(lines[2], QStringLiteral("User: tester"));
-
     // Closing keeps the log and frees its number.
     const QString lockPath = log.lockPath();
     const QString logPath = log.logPath();
@@ -109,11 +106,10 @@ TEST(MessageLog, SkipsLiveLocksAndReusesStaleOnes) {
     EXPECT_EQ(again.logPath(), logPath);
 }
 
-TEST(MessageLog, FailsWhenEveryNumberIsRefused) {
-    QTemporaryDir dir;
+TEST_F(MessageLogTest, FailsWhenEveryNumberIsRefused) {
     MessageLog log;
     int asked = 0;
-    EXPECT_FALSE(log.open(identityIn(dir), [&](const QString &, const QString &) {
+    EXPECT_FALSE(log.open(id, [&](const QString &, const QString &) {
         ++asked;
         return false;
     }));
@@ -123,9 +119,7 @@ TEST(MessageLog, FailsWhenEveryNumberIsRefused) {
     EXPECT_TRUE(QDir(dir.path()).entryList(QDir::Files).isEmpty());
 }
 
-TEST(MessageLog, HeaderTellsDateProgramVersionUserAndMode) {
-    QTemporaryDir dir;
-    MessageLog::Identity id = identityIn(dir);
+TEST_F(MessageLogTest, HeaderTellsDateProgramVersionUserAndMode) {
     for (const bool debug : {false, true}) {
         id.debug = debug;
         MessageLog log;
@@ -139,9 +133,7 @@ TEST(MessageLog, HeaderTellsDateProgramVersionUserAndMode) {
     }
 }
 
-TEST(MessageLog, ReusedNumberIsTruncatedOrAppended) {
-    QTemporaryDir dir;
-    MessageLog::Identity id = identityIn(dir);
+TEST_F(MessageLogTest, ReusedNumberIsTruncatedOrAppended) {
     auto runOnce = [&](const QString &line) {
         MessageLog log;
         EXPECT_TRUE(log.open(id, notLive));

@@ -98,7 +98,6 @@ TEST(CelMatte8, GreyFromColourAndSixteenBits)
     EXPECT_NEAR(a.at(256, 0), 76, 1);
     EXPECT_NEAR(a.at(257, 0), 150, 1);
     EXPECT_NEAR(a.at(258, 0), 29, 1);
-
     // Sixteen-bit grey rounds to the nearest level.
     CEL_PixmapMatte16 matte(6, 1);
     const uint16_t in[] = {0, 128, 129, 257 * 100 + 128, 257 * 100 + 129, 65535};

@@ -140,7 +140,6 @@ TEST_F(BrokenFile, AbsurdSizesAreRefusedBeforeAnyAllocation)
         expectRefused(put("huge.tif", minimalTiff(c.width, c.height, c.bps, c.compression, few)));
         EXPECT_TRUE(CELIO_Manager::getInstance().lastError().contains(c.why));
     }
-
     // The same header with honest sizes reads.
     QByteArray pixels(6 * 4, '\x7f');
     const ReadBack r = readFile(put("honest.tif", minimalTiff(6, 4, 8, COMPRESSION_NONE, pixels)));

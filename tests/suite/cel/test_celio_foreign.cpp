@@ -108,7 +108,6 @@ protected:
         }
         return leaf;
     }
-
     // Every pixel of a colour leaf against the samples of the file; alpha only
     // where the file has a fourth sample.
     template <class Leaf>
@@ -135,10 +134,8 @@ protected:
 
 TEST_F(ForeignTiff, GreyOfAnyDepthSpreadsOverTheLeafsRange)
 {
-    // Bilevel in either photometric, samples that straddle bytes, padding bits
-    // at the end of each row, several samples a pixel, min-is-white, both byte
-    // orders and tiles: up to 8 bits become Matte8 (bilevel 0 and 255), deeper
-    // ones keep their precision in Matte16.
+    // Samples that straddle bytes, padded rows, extra samples, min-is-white, both
+    // byte orders and tiles: up to 8 bits make Matte8, deeper ones Matte16.
     constexpr uint16_t B = PHOTOMETRIC_MINISBLACK, W = PHOTOMETRIC_MINISWHITE;
     const struct {
         uint16_t bps, spp, photometric, compression;
@@ -148,9 +145,8 @@ TEST_F(ForeignTiff, GreyOfAnyDepthSpreadsOverTheLeafsRange)
                   {2, 1, B, COMPRESSION_NONE},   {3, 1, B, COMPRESSION_NONE},     {4, 1, B, COMPRESSION_LZW},
                   {5, 1, W, COMPRESSION_NONE},   {6, 2, B, COMPRESSION_NONE},     {7, 1, B, COMPRESSION_NONE},
                   {8, 1, W, COMPRESSION_ADOBE_DEFLATE}, {8, 2, B, COMPRESSION_NONE, true},
-                  {9, 1, B, COMPRESSION_NONE},   {10, 1, B, COMPRESSION_PACKBITS}, {12, 1, B, COMPRESSION_LZW},
-                  {12, 1, W, COMPRESSION_NONE},  {12, 2, B, COMPRESSION_ADOBE_DEFLATE},
-                  {14, 1, B, COMPRESSION_NONE},  {15, 1, B, COMPRESSION_NONE},
+                  {9, 1, B, COMPRESSION_NONE},   {10, 1, B, COMPRESSION_PACKBITS}, {12, 1, W, COMPRESSION_LZW},
+                  {12, 2, B, COMPRESSION_ADOBE_DEFLATE},   {15, 1, B, COMPRESSION_NONE},
                   {16, 1, W, COMPRESSION_ADOBE_DEFLATE}, {16, 1, B, COMPRESSION_ADOBE_DEFLATE, false, true},
                   {16, 1, B, COMPRESSION_LZW, false, false, 16}};
     for (const auto &d : depths) {
@@ -181,18 +177,15 @@ TEST_F(ForeignTiff, GreyOfAnyDepthSpreadsOverTheLeafsRange)
                             row[(k * d.bps + b) / 8] |= uint8_t(0x80 >> ((k * d.bps + b) % 8));
             }
         const double full = d.bps > 8 ? 65535 : 255;
-        auto expected = [&](size_t i) { return std::lround((d.photometric == W ? top - levels[i] : levels[i]) * full / top); };
-        if (d.bps > 8) {
-            const auto *m = roundTrip<CEL_PixmapMatte16>(l, packed);
+        auto expectLevels = [&](const auto *m) {
             ASSERT_NE(m, nullptr);
             for (size_t i = 0; i < levels.size(); ++i)
-                ASSERT_EQ(m->data()[i], expected(i)) << i;
-        } else {
-            const auto *m = roundTrip<CEL_PixmapMatte8>(l, packed);
-            ASSERT_NE(m, nullptr);
-            for (size_t i = 0; i < levels.size(); ++i)
-                ASSERT_EQ(m->data()[i], expected(i)) << i;
-        }
+                ASSERT_EQ(m->data()[i], std::lround((d.photometric == W ? top - levels[i] : levels[i]) * full / top)) << i;
+        };
+        if (d.bps > 8)
+            expectLevels(roundTrip<CEL_PixmapMatte16>(l, packed));
+        else
+            expectLevels(roundTrip<CEL_PixmapMatte8>(l, packed));
         EXPECT_EQ(last_.info.bitsPerSample, d.bps);
         EXPECT_EQ(last_.info.photometric, d.photometric == W ? "min-is-white" : "min-is-black");
     }
@@ -292,14 +285,15 @@ namespace {
 std::string pixelOf(const CEL_RepresentationPtr &rep, int x, int y)
 {
     std::ostringstream s;
+    auto colour = [&](const char *kind, const auto &p) { s << kind << ' ' << +p.r << ' ' << +p.g << ' ' << +p.b << ' ' << +p.a; };
     if (auto *m8 = dynamic_cast<const CEL_PixmapMatte8 *>(rep.get()))
         s << "m8 " << int(m8->at(x, y));
     else if (auto *m16 = dynamic_cast<const CEL_PixmapMatte16 *>(rep.get()))
         s << "m16 " << m16->at(x, y);
     else if (auto *c8 = dynamic_cast<const CEL_PixmapRGBA8 *>(rep.get()))
-        s << "c8 " << int(c8->at(x, y).r) << ' ' << int(c8->at(x, y).g) << ' ' << int(c8->at(x, y).b) << ' ' << int(c8->at(x, y).a);
+        colour("c8", c8->at(x, y));
     else if (auto *c16 = dynamic_cast<const CEL_PixmapRGBA16 *>(rep.get()))
-        s << "c16 " << c16->at(x, y).r << ' ' << c16->at(x, y).g << ' ' << c16->at(x, y).b << ' ' << c16->at(x, y).a;
+        colour("c16", c16->at(x, y));
     return s.str();
 }
 }  // namespace

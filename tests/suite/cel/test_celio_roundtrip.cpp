@@ -168,7 +168,6 @@ TEST_F(ScratchDir, ColourScansOpenOpaqueElsewhereWithTheirResolution)
         EXPECT_TRUE(samePixels(*c16, readFile(file("c16.tif")).rep));
         EXPECT_EQ(tagOf<float>(file("c16.tif"), TIFFTAG_XRESOLUTION), 0.0f);  // a cel of unknown dpi claims none
     }
-
     // An alpha of the picture's own: SCAN32 keeps it, SCAN24 drops it and
     // reads back with alpha 0, as scanned.
     auto alpha = noiseLeaf<CEL_PixmapRGBA8>(9, 9);

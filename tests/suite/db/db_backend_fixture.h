@@ -32,7 +32,6 @@ protected:
         db_ = open();
         ASSERT_TRUE(db_);
     }
-
     // A further session on the test's database (another station or worker).
     std::unique_ptr<SqlDbAccess> open() {
         auto db = std::make_unique<SqlDbAccess>(connection_);
@@ -43,7 +42,6 @@ protected:
         }
         return db;
     }
-
     // A job "J", scene "S" at `scenePath` and element "E" that wants Vectorize.
     LMV_element_data makeElement(const QString &scenePath = QStringLiteral("/studio/j/s")) {
         const auto job = db_->createJob(QStringLiteral("J"));

@@ -61,7 +61,6 @@ TEST_P(DbProduction, ExposuresKeepTheirOrderOnceAndGiveEachDrawingACel) {
     QStringList celNames;  // "2" had a cel already; the others got one each
     for (const auto &cel : db_->cels(element.id)) celNames << cel.drawingName();
     EXPECT_EQ(celNames, (QStringList{"2", "3", "1", "10"}));
-
     // The element of another scene exposes nothing here.
     dba_scene_struct other = *scene;
     other.id = scene->id + 1;
@@ -92,7 +91,6 @@ TEST_P(DbProduction, SelectorShowsExposedCelsWithSuffixesAndScanCounts) {
     EXPECT_EQ(rows[2].scanCount, 2);
     EXPECT_FALSE(rows[1].scanned);
     EXPECT_FALSE(rows[4].scanned);
-
     // The walk left no lock behind: a write goes through.
     EXPECT_EQ(db_->exposeDrawings(element.id, {"13"}), 1);
 }
@@ -119,12 +117,10 @@ TEST_P(DbProduction, ProcessedCelsCountsScansAndRecordsNewDrawings) {
     EXPECT_EQ(cels[2].processedStage, 1);
     // Each change of the scene's cels is a new scene version, seen by the open scene too.
     EXPECT_EQ(db_->openScene()->version, version + 2);
-
     // Another session sees the counts at once.
     auto other = open();
     ASSERT_TRUE(other);
     EXPECT_EQ(other->cels(element.id)[0].scanCount, 2);
-
     // The element must be the named one of that scene; nothing changes otherwise.
     dba_scene_struct wrong = *scene;
     wrong.id += 1;
@@ -153,12 +149,3 @@ TEST_P(DbProduction, CelWalkNeedsItsLockAndEndsWithZero) {
 }
 
 DB_BACKEND_TESTS(DbProduction);
-
-TEST(DrawingSelectorRows, AddDrawingRefusesEmptyAndKnownNames) {
-    std::vector<DrawingSelectorRow> rows{{"1", true, 1}};
-    EXPECT_FALSE(addDrawingSelectorRow(rows, QString()));
-    EXPECT_FALSE(addDrawingSelectorRow(rows, QStringLiteral("1")));
-    EXPECT_TRUE(addDrawingSelectorRow(rows, QStringLiteral("01")));
-    ASSERT_EQ(rows.size(), 2u);
-    EXPECT_FALSE(rows[1].scanned);
-}

@@ -77,7 +77,6 @@ TEST_P(DbQueue, TakeGivesTheOldestOnceThenNothing) {
     EXPECT_EQ(a->worker, QStringLiteral("w1"));
     EXPECT_EQ(a->takenAt, clock_);
     EXPECT_EQ(a->leaseExpires, clock_ + 60'000);
-
     // Another session (another process or machine) gets the next one.
     auto other = open();
     ASSERT_TRUE(other);

@@ -40,7 +40,6 @@ TEST_P(DbSessionTest, SelectionStartsWithTheUserAndDefaultEnvironmentAndNarrowsD
     EXPECT_EQ(db_->selectedElementId(), element.id);
     EXPECT_EQ(db_->selectElement(QStringLiteral("nope")), -1);
     EXPECT_FALSE(db_->lastError().isEmpty());
-
     // Choosing the job again forgets scene and element; another environment forgets all.
     ASSERT_EQ(db_->selectJob(QStringLiteral("J")), 0);
     EXPECT_EQ(db_->openScene(), nullptr);
@@ -76,7 +75,6 @@ TEST(DbSessionOpen, UnreachableServerAndUnmakeableFileFail) {
     EXPECT_FALSE(server.lastError().isEmpty());
     EXPECT_FALSE(server.isOpen());
     EXPECT_FALSE(server.findJob(QStringLiteral("J")));  // a closed session answers, and fails
-
     // A folder can't be made below a plain file, not even by root.
     QTemporaryDir dir;
     QFile plain(dir.filePath(QStringLiteral("plain")));
@@ -114,13 +112,11 @@ TEST(DbConnection, ReadsPostgresAddressesAndSqliteFiles) {
     EXPECT_EQ(s.kind, DbConnectionSettings::Kind::PostgreSQL);
     EXPECT_EQ(QStringList({s.user, s.host, s.database}), QStringList({"scan", "dbhost", "studio"}));
     EXPECT_EQ(s.port, 5433);
-
     // A socket folder; no database named is the user's own, as libpq does it.
     ASSERT_TRUE(DbConnectionSettings::parse(QStringLiteral("postgres://ann:secret@/?host=/run/pg%20sock"), s));
     EXPECT_EQ(QStringList({s.host, s.password, s.database}), QStringList({"/run/pg sock", "secret", "ann"}));
     EXPECT_EQ(s.port, 5432);
     EXPECT_FALSE(s.describe().contains(QStringLiteral("secret")));
-
     // Anything else is a SQLite file, unless it is another kind of address.
     ASSERT_TRUE(DbConnectionSettings::parse(QStringLiteral(" /data/prod.db "), s));
     EXPECT_EQ(s.kind, DbConnectionSettings::Kind::SQLite);

@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <string>
+#include <tuple>
 
 #include "scan/vector_scaninfo.h"
 #include "vectorize/peg_info.h"
@@ -82,10 +83,7 @@ TEST_F(PegInfoTest, ScanInfoPutsTheRotationCentreOnThePegOfEverySideAndField) {
             SCOPED_TRACE(std::string(side.name) + " at field " + std::to_string(field.field));
             const PegInfo peg = fromScanInfo(scanInfoLine(side.scanSide, field.field, 200, 0.05f, centreX, centreY),
                                              width, height);
-            EXPECT_EQ(peg.dpi, 200);
-            EXPECT_FLOAT_EQ(peg.paper_size, field.field);
-            EXPECT_EQ(peg.white_point, 240);
-            EXPECT_EQ(peg.black_point, 10);
+            EXPECT_EQ(std::tuple(peg.dpi, peg.paper_size, peg.white_point, peg.black_point), std::tuple(200, field.field, 240, 10));
             expectNear(peg.transform.Apply(Point2d{centreX, height - 1.0 - centreY}),
                        pegWorldPosition(side.name, field.inches), 1e-3);
         }

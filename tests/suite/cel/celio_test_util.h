@@ -3,6 +3,7 @@
 // pixels, and a read that gathers everything CELIO_Manager returns.
 #include <QDateTime>
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -55,6 +56,22 @@ UT_SharePtr<Leaf> noiseLeaf(int width, int height, unsigned seed = 7)
     for (size_t i = 0, n = leaf->pixelCount() * sizeof(typename Leaf::Pixel); i < n; ++i)
         bytes[i] = uint8_t(rng());
     return leaf;
+}
+
+// A black-and-white drawing: white paper with black strokes.
+inline UT_SharePtr<CEL_PixmapMatte8> bilevelLeaf(int width, int height)
+{
+    auto leaf = UT_makeShared<CEL_PixmapMatte8>(width, height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            leaf->at(x, y) = ((x / 3 + y / 5) % 7 == 0 || x == width - 1) ? 0 : 255;
+    return leaf;
+}
+
+inline bool setModified(const QString &path, const QDateTime &time)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadWrite) && f.setFileTime(time, QFileDevice::FileModificationTime);
 }
 
 template <class Leaf>

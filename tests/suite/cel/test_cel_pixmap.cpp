@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "suite/cel/cel_algo.h"
@@ -52,10 +53,8 @@ TEST(CelLeaf, ImagesShowEveryPixel)
         const QImage a = rgba8.getImage(), b = rgba16.getImage(), g = matte8->getImage(), g16 = matte16.getImage();
         const std::vector<uint8_t> grey(matte8->data(), matte8->data() + matte8->pixelCount());
         matte8.reset();
-        EXPECT_EQ(a.format(), QImage::Format_RGBX8888);
-        EXPECT_EQ(b.format(), QImage::Format_RGBX64);
-        EXPECT_EQ(g.format(), QImage::Format_Grayscale8);
-        EXPECT_EQ(g16.format(), QImage::Format_Grayscale16);
+        EXPECT_EQ(std::tuple(a.format(), b.format(), g.format(), g16.format()),
+                  std::tuple(QImage::Format_RGBX8888, QImage::Format_RGBX64, QImage::Format_Grayscale8, QImage::Format_Grayscale16));
         for (const QImage *image : {&a, &b, &g, &g16})
             ASSERT_EQ(image->size(), QSize(w, h));
         for (int y = 0; y < h; ++y) {

@@ -91,11 +91,8 @@ TEST_F(BrokenFile, MissingEmptyFolderAndNoPictureAreRefusedWithDistinctReasons)
 
 TEST_F(BrokenFile, DamagedOrTruncatedFilesAreRefusedQuietly)
 {
-    auto ink = UT_makeShared<CEL_PixmapMatte8>(300, 200);
-    for (size_t i = 0; i < ink->pixelCount(); ++i)
-        ink->data()[i] = (i % 17) < 3 ? 0 : 255;
     ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(noiseLeaf<CEL_PixmapRGBA8>(200, 150)), file("c.tif"), "SCAN", "info"));
-    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(ink), file("g4.tif"), QStringLiteral("SCAN"), QStringLiteral("info")));
+    ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(bilevelLeaf(300, 200)), file("g4.tif"), QStringLiteral("SCAN"), QStringLiteral("info")));
     ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(noiseLeaf<CEL_PixmapMatte8>(200, 100)), file("t.tif"), "TIFF"));
     QImage png(64, 64, QImage::Format_RGB32);
     png.fill(Qt::red);

@@ -248,11 +248,7 @@ TEST_F(ForeignTiff, DescriptionInLatin1OrUtf8AndDateFromTheFileTime)
 {
     Layout l{.width = 2, .height = 2, .description = QByteArray("Caf\xe9 cr\xe8me")};
     writeByHand(file("latin1.tif"), l, {1, 2, 3, 4});
-    {
-        QFile f(file("latin1.tif"));
-        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
-        ASSERT_TRUE(f.setFileTime(QDateTime(QDate(2001, 2, 3), QTime(4, 5, 6)), QFileDevice::FileModificationTime));
-    }
+    ASSERT_TRUE(setModified(file("latin1.tif"), QDateTime(QDate(2001, 2, 3), QTime(4, 5, 6))));
     const ReadBack r = readFile(file("latin1.tif"));
     ASSERT_TRUE(r.ok);
     EXPECT_EQ(r.comment, QString::fromUtf8("Café crème"));

@@ -60,16 +60,6 @@ UT_SharePtr<Leaf> withoutAlpha(UT_SharePtr<Leaf> leaf)
     return leaf;
 }
 
-// A black-and-white drawing: white paper with black strokes.
-UT_SharePtr<CEL_PixmapMatte8> bilevelLeaf(int width, int height)
-{
-    auto leaf = UT_makeShared<CEL_PixmapMatte8>(width, height);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            leaf->at(x, y) = ((x / 3 + y / 5) % 7 == 0 || x == width - 1) ? 0 : 255;
-    return leaf;
-}
-
 template <class Leaf>
 void expectRoundTrip(const QString &path, const QString &comment, int width, int height)
 {
@@ -184,11 +174,7 @@ TEST_F(ScratchDir, DateComesFromTheFileNotItsModificationTime)
 {
     const QDateTime before = QDateTime::currentDateTime().addSecs(-2);
     ASSERT_TRUE(writeLeaf(CEL_RepresentationPtr(bilevelLeaf(8, 8)), file("d.tif"), QStringLiteral("SCAN")));
-    {
-        QFile f(file("d.tif"));
-        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
-        ASSERT_TRUE(f.setFileTime(QDateTime(QDate(2001, 2, 3), QTime(4, 5, 6)), QFileDevice::FileModificationTime));
-    }
+    ASSERT_TRUE(setModified(file("d.tif"), QDateTime(QDate(2001, 2, 3), QTime(4, 5, 6))));
     EXPECT_EQ(tagOf<QString>(file("d.tif"), TIFFTAG_DATETIME).size(), 19);
     EXPECT_FALSE(tagOf<QString>(file("d.tif"), TIFFTAG_SOFTWARE).isEmpty());
     const ReadBack r = readFile(file("d.tif"));

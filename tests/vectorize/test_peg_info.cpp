@@ -142,19 +142,14 @@ TEST_F(PegInfoTest, DescriptionNamesPagesPeggingSideFieldAndDpi) {
         SCOPED_TRACE(c.info.toStdString());
         options.downscale_input = c.downscale;
         const PegInfo peg = fromScanInfo(c.info, 100, 100);
-        EXPECT_EQ(peg.description(c.downscale), c.description);
-        EXPECT_EQ(peg.dpi, c.dpi);
-        EXPECT_FLOAT_EQ(peg.paper_size, c.field);
+        EXPECT_EQ(std::tuple(peg.description(c.downscale), peg.dpi, peg.paper_size), std::tuple(QString(c.description), c.dpi, c.field));
     }
 }
 
 TEST_F(PegInfoTest, PlainImageFillsTheFieldHeightAndCarriesItsOwnKeywords) {
     const PegInfo peg(false, 3, true, QString(), "/tmp/drawing.png", false, 2000, 1500, kNoMargins, false, 1.0, 0.0,
                       options);
-    EXPECT_EQ(peg.dpi, 166);
-    EXPECT_FLOAT_EQ(peg.paper_size, 12);
-    EXPECT_EQ(peg.has_alpha, 1);
-    EXPECT_TRUE(peg.peg_box.isEmpty());
+    EXPECT_EQ(std::tuple(peg.dpi, peg.paper_size, peg.has_alpha, peg.peg_box.isEmpty()), std::tuple(166, 12.0f, 1, true));
     EXPECT_EQ(peg.info, "FILE: Type: /tmp/drawing.png  Width: 2000 Height: 1500 paper size: 12.000000 dpi: 166");
     EXPECT_EQ(peg.description(1), "1 Page, Not Pegged, Bottom Holes, 12F Paper, 166 DPI");
     const double halfWidth = 1875.0 * 2000 / 1500;

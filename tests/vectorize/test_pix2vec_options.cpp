@@ -72,8 +72,7 @@ TEST_F(Pix2vecOptions, ValuesAreNormalisedWhenParsed) {
 TEST_F(Pix2vecOptions, FailuresStopTheParseAndKeepWhatCameBefore) {
     TUPix2vecOptions o;
     EXPECT_FALSE(o.parseOptionLine("-gap 4 -keep_peg_bars -gap 6", false));
-    EXPECT_EQ(o.errors, 1);
-    EXPECT_EQ(o.gap, 4);
+    EXPECT_EQ(std::tuple(o.errors, o.gap), std::tuple(1, 4.0));
     EXPECT_EQ(o.lastError,
               "-keep_peg_bars is deprecated. It is now on by default. Use -remove_peg_bars to remove peg bars.\n");
 
@@ -105,17 +104,10 @@ TEST_F(Pix2vecOptions, FailuresStopTheParseAndKeepWhatCameBefore) {
 TEST_F(Pix2vecOptions, RegisterWordsMapToSidesAndStrictness) {
     TUPix2vecOptions o;
     EXPECT_TRUE(o.parseOptionLine("-register 200 top loose -out_peg_position same -scanner_calibrate -2 1.5", false));
-    EXPECT_TRUE(o.register_);
-    EXPECT_EQ(o.dpi, 200);
-    EXPECT_EQ(o.side, 1);
-    EXPECT_EQ(o.strict, 0);
-    EXPECT_EQ(o.out_peg_position, 0);
-    EXPECT_EQ(o.calibX, 1);
-    EXPECT_EQ(o.calibY, 1.5);
+    EXPECT_EQ(std::tuple(o.register_, o.dpi, o.side, o.strict, o.out_peg_position, o.calibX, o.calibY),
+              std::tuple(true, 200, 1, 0, 0, 1, 1.5));
     o.parseOptionLine("-register 150 x Strict -out_peg_position r", false);
-    EXPECT_EQ(o.side, 3);
-    EXPECT_EQ(o.strict, 1);
-    EXPECT_EQ(o.out_peg_position, 4);
+    EXPECT_EQ(std::tuple(o.side, o.strict, o.out_peg_position), std::tuple(3, 1, 4));
     EXPECT_TRUE(o.optionLine(true, true, true, true, true, true, true, true, false)
                     .contains("-register 150 L S "));
     EXPECT_FALSE(o.optionLine(true, false, true, true, true, true, true, true, false).contains("-register"));
@@ -140,14 +132,9 @@ TEST_F(Pix2vecOptions, StyleLineReadsBackToTheSameRecord) {
     back.resetDefaults();
     ASSERT_TRUE(back.parseOptionLine(line, true)) << qPrintable(back.lastError) << qPrintable(line);
     EXPECT_EQ(back.styleLine(true).trimmed(), line);
-    EXPECT_EQ(back.fourColourOptions.redThreshold, 229);
-    EXPECT_EQ(back.debug, 2);
-    EXPECT_EQ(back.matteTarget, 1);
-    EXPECT_EQ(back.side, 4);
-    EXPECT_FALSE(back.keep_peg_bars);
-    EXPECT_EQ(back.top_margin, 0.5);
-    EXPECT_FLOAT_EQ(back.pressure_max, 0.75f);
-    EXPECT_EQ(back.stroke_thickness, 4);
+    EXPECT_EQ(std::tuple(back.fourColourOptions.redThreshold, back.debug, back.matteTarget, back.side, back.keep_peg_bars,
+                         back.top_margin, back.pressure_max, back.stroke_thickness),
+              std::tuple(229, 2, 1, 4, false, 0.5, 0.75f, 4));
     EXPECT_TRUE(line.contains("-margins 0.5 "));
     // A style with colour quantizing writes the option without its dash and
     // does not read back.
@@ -164,11 +151,8 @@ TEST_F(Pix2vecOptions, DefaultStyleIsLoadedAndResetKeepsThePenstyle) {
         style.write("-gap 3 -penstyle 0.5 0.2 4 1 1 6 missing.png -stroke_thickness 5\n");
     }
     TUPix2vecOptions o;
-    EXPECT_EQ(o.errors, 0);
-    EXPECT_EQ(o.gap, 3);
-    EXPECT_EQ(o.stroke_thickness, 5);
-    EXPECT_TRUE(o.penstyle);
-    EXPECT_FALSE(o.penstyle_noise);  // the bitmap does not exist: no error, no bitmap
+    // The bitmap does not exist: no error, no bitmap.
+    EXPECT_EQ(std::tuple(o.errors, o.gap, o.stroke_thickness, o.penstyle, bool(o.penstyle_noise)), std::tuple(0, 3.0, 5, true, false));
     o.resetDefaults();
     EXPECT_EQ(o.gap, 10);
     EXPECT_FLOAT_EQ(o.penstyle_center_alpha, 0.5f);

@@ -62,10 +62,8 @@ TEST_F(MessageTest, LinesCarryTypeTimeAndTextAndDebugLinesNeedDebugMode) {
     for (int i = 0; i < 6; ++i) {
         const auto match = kLine.match(lines[i]);
         ASSERT_TRUE(match.hasMatch()) << lines[i].toStdString();
-        EXPECT_EQ(match.captured(1), QString(QChar(types[i])));
-        EXPECT_EQ(match.captured(2), QString::fromUtf8(texts[i]));
-        EXPECT_EQ(seen[i].first, types[i]);
-        EXPECT_EQ(seen[i].second, QString::fromUtf8(texts[i]));
+        EXPECT_EQ(match.captured(1) + match.captured(2), QChar(types[i]) + QString::fromUtf8(texts[i]));
+        EXPECT_EQ(seen[i], std::pair(types[i], QString::fromUtf8(texts[i])));
     }
     EXPECT_EQ(lines[6], "0000: 12 00 00 00 24 00");
 }
@@ -236,8 +234,7 @@ TEST(PendingReport, TextOfTheBox) {
     for (int i = 1; i <= 30; ++i) thirty << QString::number(i);
     const QStringList lines = MSG_PendingReport::body(thirty).split('\n');
     ASSERT_EQ(lines.size(), 30);
-    EXPECT_EQ(lines[28], " - 29");
-    EXPECT_EQ(lines[29], "...");
+    EXPECT_EQ(lines.mid(28), QStringList({" - 29", "..."}));
     EXPECT_EQ(MSG_PendingReport::body(thirty.mid(0, 29)).split('\n', Qt::SkipEmptyParts).size(), 29);
 }
 
@@ -286,12 +283,10 @@ TEST_F(TraceTest, LinesOfTheLogAndTheTraceChannel) {
 
 TEST_F(TraceTest, DirectTraceIsRawAndLeavesTheModesAsTheyWere) {
     LMV_direct_trace("CDB: %02x %02x\n", 0x12, 0x24);
-    EXPECT_FALSE(m()->isDebugMode());
-    EXPECT_FALSE(m()->isDirectMode());
+    EXPECT_EQ(std::pair(m()->isDebugMode(), m()->isDirectMode()), std::pair(false, false));
     m()->setDebugMode(true);
     LMV_direct_trace("sense: %02x", 0x70);
-    EXPECT_TRUE(m()->isDebugMode());
-    EXPECT_FALSE(m()->isDirectMode());
+    EXPECT_EQ(std::pair(m()->isDebugMode(), m()->isDirectMode()), std::pair(true, false));
     EXPECT_EQ(lines(), QStringList({"CDB: 12 24", "sense: 70"}));
 }
 

@@ -64,9 +64,7 @@ protected:
         QDateTime date = marker;
         QString comment = QStringLiteral("untouched");
         EXPECT_FALSE(CELIO_Manager::getInstance().read(path, date, CEL_Context(), reps, &comment));
-        EXPECT_EQ(reps.size(), 1);
-        EXPECT_EQ(date, marker);
-        EXPECT_EQ(comment, "untouched");
+        EXPECT_EQ(std::tuple(reps.size(), date, comment), std::tuple(1, marker, QStringLiteral("untouched")));
         EXPECT_FALSE(CELIO_Manager::getInstance().lastError().isEmpty());
     }
 };

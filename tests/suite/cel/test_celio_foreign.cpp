@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <sstream>
+#include <tuple>
 #include <tiffio.h>
 #include <vector>
 
@@ -337,8 +338,7 @@ TEST_F(ScratchDir, QtFormatsMapToTheClosestLeaf)
         ASSERT_TRUE(w.write(c.image)) << w.errorString().toStdString();
         const ReadBack r = readFile(file(c.name));
         ASSERT_TRUE(r.ok);
-        EXPECT_EQ(pixelOf(r.rep, c.probe.x(), c.probe.y()), c.pixel);
-        EXPECT_EQ(r.info.container, c.container);
-        EXPECT_EQ(r.comment, c.comment);
+        EXPECT_EQ(std::tuple(pixelOf(r.rep, c.probe.x(), c.probe.y()), r.info.container, r.comment),
+                  std::tuple(c.pixel, c.container, c.comment));
     }
 }

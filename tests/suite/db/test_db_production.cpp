@@ -29,8 +29,7 @@ TEST_P(DbProduction, TreeHoldsWhatWasMadeAndRefusesDuplicates) {
 
     const auto scenes = db_->scenes(job->id);
     ASSERT_EQ(scenes.size(), 1u);
-    EXPECT_EQ(scenes[0].jobName, QStringLiteral("J"));
-    EXPECT_EQ(scenes[0].version, 1);
+    EXPECT_EQ(std::tuple(scenes[0].jobName, scenes[0].version), std::tuple(QStringLiteral("J"), 1));
     EXPECT_FALSE(db_->createScene(job->id, QStringLiteral("S"), QStringLiteral("/x")));
 
     const auto elements = db_->elements(scenes[0].id);
@@ -87,10 +86,7 @@ TEST_P(DbProduction, SelectorShowsExposedCelsWithSuffixesAndScanCounts) {
     // "5a" is exposed but got a cel of its own named "5a"; "5" with suffix "a" and no versions is "5".
     EXPECT_EQ(rowNames(rows), (QStringList{"1", "5", "7b", "5a", "12"}));
     ASSERT_EQ(rows.size(), 5u);
-    EXPECT_TRUE(rows[0].scanned);
-    EXPECT_EQ(rows[2].scanCount, 2);
-    EXPECT_FALSE(rows[1].scanned);
-    EXPECT_FALSE(rows[4].scanned);
+    EXPECT_EQ(std::tuple(rows[0].scanned, rows[1].scanned, rows[4].scanned, rows[2].scanCount), std::tuple(true, false, false, 2));
     // The walk left no lock behind: a write goes through.
     EXPECT_EQ(db_->exposeDrawings(element.id, {"13"}), 1);
 }
@@ -108,13 +104,9 @@ TEST_P(DbProduction, ProcessedCelsCountsScansAndRecordsNewDrawings) {
     ASSERT_EQ(db_->dba_ProcessedCels(scene, QStringLiteral("E"), element.id, {"1"}, 3, 2), 0);
     const auto cels = db_->cels(element.id);
     ASSERT_EQ(cels.size(), 3u);
-    EXPECT_EQ(cels[0].scanCount, 2);
-    EXPECT_EQ(cels[0].processedStage, 3);
-    EXPECT_EQ(cels[0].processedStatus, 2);
+    EXPECT_EQ(std::tuple(cels[0].scanCount, cels[0].processedStage, cels[0].processedStatus), std::tuple(2, 3, 2));
     EXPECT_EQ(cels[1].scanCount, 0);
-    EXPECT_EQ(cels[2].name, QStringLiteral("new"));
-    EXPECT_EQ(cels[2].scanCount, 1);
-    EXPECT_EQ(cels[2].processedStage, 1);
+    EXPECT_EQ(std::tuple(cels[2].name, cels[2].scanCount, cels[2].processedStage), std::tuple(QStringLiteral("new"), 1, 1));
     // Each change of the scene's cels is a new scene version, seen by the open scene too.
     EXPECT_EQ(db_->openScene()->version, version + 2);
     // Another session sees the counts at once.

@@ -72,11 +72,8 @@ TEST_P(DbQueue, TakeGivesTheOldestOnceThenNothing) {
 
     const auto a = db_->takeQueueEntry(QStringLiteral("w1"), 60);
     ASSERT_TRUE(a);
-    EXPECT_EQ(a->id, first);
-    EXPECT_EQ(a->state, dba_queueState::Taken);
-    EXPECT_EQ(a->worker, QStringLiteral("w1"));
-    EXPECT_EQ(a->takenAt, clock_);
-    EXPECT_EQ(a->leaseExpires, clock_ + 60'000);
+    EXPECT_EQ(std::tuple(a->id, a->state, a->worker, a->takenAt, a->leaseExpires),
+              std::tuple(first, dba_queueState::Taken, QStringLiteral("w1"), clock_, clock_ + 60'000));
     // Another session (another process or machine) gets the next one.
     auto other = open();
     ASSERT_TRUE(other);
@@ -105,13 +102,9 @@ TEST_P(DbQueue, DoneAndFailRecordTheOutcomeOfTakenEntriesOnly) {
     EXPECT_EQ(db_->finishQueueEntry(first), -1);  // done once is done
     EXPECT_EQ(db_->failQueueEntry(99999, QStringLiteral("x")), -1);
 
-    const auto done = db_->queueEntry(first);
-    EXPECT_EQ(done->state, dba_queueState::Done);
-    EXPECT_EQ(done->finishedAt, clock_);
-    EXPECT_EQ(done->worker, QStringLiteral("w1"));
-    const auto failed = db_->queueEntry(second);
-    EXPECT_EQ(failed->state, dba_queueState::Failed);
-    EXPECT_EQ(failed->message, QStringLiteral("no lines found"));
+    const auto done = db_->queueEntry(first), failed = db_->queueEntry(second);
+    EXPECT_EQ(std::tuple(done->state, done->finishedAt, done->worker), std::tuple(dba_queueState::Done, clock_, QStringLiteral("w1")));
+    EXPECT_EQ(std::tuple(failed->state, failed->message), std::tuple(dba_queueState::Failed, QStringLiteral("no lines found")));
     // Finished entries are never offered again, however old.
     clock_ += 10'000'000;
     EXPECT_FALSE(db_->takeQueueEntry(QStringLiteral("w1"), 60));
@@ -129,8 +122,7 @@ TEST_P(DbQueue, ExpiredLeaseOffersTheEntryAgainAndTheOldWorkerLosesIt) {
     clock_ += 2;
     const auto again = db_->takeQueueEntry(QStringLiteral("w2"), 10);
     ASSERT_TRUE(again);
-    EXPECT_EQ(again->id, id);
-    EXPECT_EQ(again->worker, QStringLiteral("w2"));
+    EXPECT_EQ(std::tuple(again->id, again->worker), std::tuple(id, QStringLiteral("w2")));
     EXPECT_EQ(db_->finishQueueEntry(id, QStringLiteral("dead")), -1);
     EXPECT_EQ(db_->finishQueueEntry(id, QStringLiteral("w2")), 0);
 }

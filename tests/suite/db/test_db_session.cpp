@@ -6,6 +6,8 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
+#include <tuple>
+
 #include "db_backend_fixture.h"
 #include "suite/db/db_connection.h"
 #include "suite/db/dba_path.h"
@@ -33,11 +35,10 @@ TEST_P(DbSessionTest, SelectionStartsWithTheUserAndDefaultEnvironmentAndNarrowsD
     ASSERT_EQ(db_->selectJob(QStringLiteral("J")), 0);
     ASSERT_EQ(db_->selectScene(QStringLiteral("S")), 0);
     ASSERT_EQ(db_->selectElement(QStringLiteral("E")), 0);
-    EXPECT_EQ(db_->jobName(), QStringLiteral("J"));
-    EXPECT_EQ(db_->sceneName(), QStringLiteral("S"));
+    EXPECT_EQ(std::tuple(db_->jobName(), db_->sceneName(), db_->selectedElementId()),
+              std::tuple(QStringLiteral("J"), QStringLiteral("S"), element.id));
     ASSERT_NE(db_->openScene(), nullptr);
     EXPECT_EQ(db_->openScene()->path, QStringLiteral("/studio/j/s"));
-    EXPECT_EQ(db_->selectedElementId(), element.id);
     EXPECT_EQ(db_->selectElement(QStringLiteral("nope")), -1);
     EXPECT_FALSE(db_->lastError().isEmpty());
     // Choosing the job again forgets scene and element; another environment forgets all.
@@ -109,18 +110,16 @@ TEST(DbSessionOpen, MakesTheFileAndItsFolderAndRefusesANewerSchema) {
 TEST(DbConnection, ReadsPostgresAddressesAndSqliteFiles) {
     DbConnectionSettings s;
     ASSERT_TRUE(DbConnectionSettings::parse(QStringLiteral("postgresql://scan@dbhost:5433/studio"), s));
-    EXPECT_EQ(s.kind, DbConnectionSettings::Kind::PostgreSQL);
-    EXPECT_EQ(QStringList({s.user, s.host, s.database}), QStringList({"scan", "dbhost", "studio"}));
-    EXPECT_EQ(s.port, 5433);
+    EXPECT_EQ(std::tuple(s.kind, QStringList({s.user, s.host, s.database}), s.port),
+              std::tuple(DbConnectionSettings::Kind::PostgreSQL, QStringList({"scan", "dbhost", "studio"}), 5433));
     // A socket folder; no database named is the user's own, as libpq does it.
     ASSERT_TRUE(DbConnectionSettings::parse(QStringLiteral("postgres://ann:secret@/?host=/run/pg%20sock"), s));
-    EXPECT_EQ(QStringList({s.host, s.password, s.database}), QStringList({"/run/pg sock", "secret", "ann"}));
-    EXPECT_EQ(s.port, 5432);
+    EXPECT_EQ(std::tuple(QStringList({s.host, s.password, s.database}), s.port),
+              std::tuple(QStringList({"/run/pg sock", "secret", "ann"}), 5432));
     EXPECT_FALSE(s.describe().contains(QStringLiteral("secret")));
     // Anything else is a SQLite file, unless it is another kind of address.
     ASSERT_TRUE(DbConnectionSettings::parse(QStringLiteral(" /data/prod.db "), s));
-    EXPECT_EQ(s.kind, DbConnectionSettings::Kind::SQLite);
-    EXPECT_EQ(s.sqlitePath, QStringLiteral("/data/prod.db"));
+    EXPECT_EQ(std::tuple(s.kind, s.sqlitePath), std::tuple(DbConnectionSettings::Kind::SQLite, QStringLiteral("/data/prod.db")));
     QString error;
     EXPECT_FALSE(DbConnectionSettings::parse(QStringLiteral("mysql://x@y/z"), s, &error));
     EXPECT_FALSE(error.isEmpty());

@@ -68,26 +68,17 @@ Point2d rotatedAbout(Point2d p, Point2d pivot, double angle) {
 }  // namespace
 
 TEST_F(PegInfoTest, ScanInfoPutsTheRotationCentreOnThePegOfEverySideAndField) {
-    const struct {
-        int scanSide;
-        const char *name;
-    } sides[] = {{4, "Bottom"}, {2, "Top"}, {1, "Left"}, {3, "Right"}};
-    const struct {
-        float field;
-        double inches;
-    } fields[] = {{12, 5.25}, {15, 6.18}, {16, 6.75}, {10, 5.25}};
+    const std::pair<int, const char *> sides[] = {{4, "Bottom"}, {2, "Top"}, {1, "Left"}, {3, "Right"}};
+    const std::pair<float, double> fields[] = {{12, 5.25}, {15, 6.18}, {16, 6.75}, {10, 5.25}};  // field, peg inches
     const uint16_t width = 3000, height = 2400;
     const float centreX = 1480, centreY = 2310;  // rows counted down from the top
-    for (const auto &side : sides) {
-        for (const auto &field : fields) {
-            SCOPED_TRACE(std::string(side.name) + " at field " + std::to_string(field.field));
-            const PegInfo peg = fromScanInfo(scanInfoLine(side.scanSide, field.field, 200, 0.05f, centreX, centreY),
-                                             width, height);
-            EXPECT_EQ(std::tuple(peg.dpi, peg.paper_size, peg.white_point, peg.black_point), std::tuple(200, field.field, 240, 10));
-            expectNear(peg.transform.Apply(Point2d{centreX, height - 1.0 - centreY}),
-                       pegWorldPosition(side.name, field.inches), 1e-3);
+    for (const auto &[scanSide, name] : sides)
+        for (const auto &[field, inches] : fields) {
+            SCOPED_TRACE(std::string(name) + " at field " + std::to_string(field));
+            const PegInfo peg = fromScanInfo(scanInfoLine(scanSide, field, 200, 0.05f, centreX, centreY), width, height);
+            EXPECT_EQ(std::tuple(peg.dpi, peg.paper_size, peg.white_point, peg.black_point), std::tuple(200, field, 240, 10));
+            expectNear(peg.transform.Apply(Point2d{centreX, height - 1.0 - centreY}), pegWorldPosition(name, inches), 1e-3);
         }
-    }
     // An inch is a field's twelfth and the paper's angle is turned back: a
     // point one inch from the centre, at the angle the paper had.
     const double angle = 0.1;
@@ -98,8 +89,7 @@ TEST_F(PegInfoTest, ScanInfoPutsTheRotationCentreOnThePegOfEverySideAndField) {
     // Reading at half size halves dpi and the centre but not the field.
     options.downscale_input = 2;
     const PegInfo half = fromScanInfo(scanInfoLine(4, 16, 400, 0, 2000, 3000), 2000, 1600);
-    EXPECT_EQ(half.dpi, 200);
-    EXPECT_FLOAT_EQ(half.paper_size, 16);
+    EXPECT_EQ(std::pair(half.dpi, half.paper_size), std::pair(200, 16.0f));
     expectNear(half.transform.Apply(Point2d{1000, 1600 - 1.0 - 1500}), {0, -kUnitsPerInchAtField12 * 6.75}, 1e-3);
 }
 
@@ -171,13 +161,11 @@ TEST_F(PegInfoTest, PlainImageFillsTheFieldHeightAndCarriesItsOwnKeywords) {
     const PegInfo wide(false, 0, false, QString(), QString(), true, 2000, 1500, kNoMargins, false, 1.0, 16.0, options);
     EXPECT_EQ(wide.info, "FILE: Type: STDIN  Width: 2000 Height: 1500 paper size: 16.000000 dpi: 125");
     expectNear(wide.transform.Apply(Point2d{2000, 1500}), {halfWidth * 16 / 12, 2500});
-    EXPECT_DOUBLE_EQ(wide.picture_box.x0, 10);
-    EXPECT_DOUBLE_EQ(wide.picture_box.y1, 1480);
+    EXPECT_EQ(std::pair(wide.picture_box.x0, wide.picture_box.y1), std::pair(10.0, 1480.0));
     // At a given dpi, 100 pixels are one inch, a twelfth of the field's 5000 units.
     options.dpi = 100;
     const Math::Vector2d inch = plain(1200, 600).transform.Apply(Math::Vector2d{100, 100});
-    EXPECT_NEAR(inch.x, kUnitsPerInchAtField12, 1e-9);
-    EXPECT_NEAR(inch.y, kUnitsPerInchAtField12, 1e-9);
+    expectNear({inch.x, inch.y}, {kUnitsPerInchAtField12, kUnitsPerInchAtField12}, 1e-9);
 }
 
 // The three points of a registration of an upright sheet, for each side, with

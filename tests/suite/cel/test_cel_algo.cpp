@@ -86,14 +86,13 @@ TEST(CelScale, WholeShiftsCopyExactlyAndClearTheRest)
     for (auto [tx, ty] : shifts) {
         const auto out = CelAlgo::scale(&src, 7, 6, tx, ty, 1, 1, nullptr);
         ASSERT_TRUE(out);
-        for (int y = 0; y < 6; ++y) {
+        for (int y = 0; y < 6; ++y)
             for (int x = 0; x < 7; ++x) {
                 const int sx = x - tx, sy = y - ty;
                 const bool inside = sx >= 0 && sx < 5 && sy >= 0 && sy < 4;
                 ASSERT_EQ(out->at(x, y), inside ? src.at(sx, sy) : CEL_RGBA16Pixel{})
                     << "shift " << tx << "," << ty << " at " << x << "," << y;
             }
-        }
     }
     // Far shifts leave an empty picture.
     for (double t : {1e15, -1e15, 3e9}) {
@@ -175,7 +174,7 @@ TYPED_TEST_SUITE(CelPreFlipTyped, CelLeafTypes);
 // single rows and columns, and sizes beyond one tile.
 TYPED_TEST(CelPreFlipTyped, EveryCombinationMatchesTheSteps)
 {
-    for (auto [w, h] : {std::pair{1, 1}, {1, 4}, {5, 1}, {2, 2}, {3, 2}, {4, 5}, {70, 131}, {129, 64}}) {
+    for (auto [w, h] : {std::pair{1, 1}, {1, 4}, {5, 1}, {2, 2}, {3, 2}, {4, 5}, {70, 131}, {129, 64}})
         for (int mask = 0; mask < 8; ++mask) {
             SCOPED_TRACE(testing::Message() << w << "x" << h << " mask " << mask);
             const bool transpose = mask & 1, rows = mask & 2, columns = mask & 4;
@@ -191,7 +190,6 @@ TYPED_TEST(CelPreFlipTyped, EveryCombinationMatchesTheSteps)
                     ASSERT_EQ(leaf.at(x, y), transpose ? source.at(v, u) : source.at(u, v)) << x << "," << y;
                 }
         }
-    }
     TypeParam empty(5, 0);
     CelAlgo::preFlip(&empty, true, true, false);
     EXPECT_EQ(empty.width(), 0);

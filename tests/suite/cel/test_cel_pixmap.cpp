@@ -57,7 +57,7 @@ TEST(CelLeaf, ImagesShowEveryPixel)
                   std::tuple(QImage::Format_RGBX8888, QImage::Format_RGBX64, QImage::Format_Grayscale8, QImage::Format_Grayscale16));
         for (const QImage *image : {&a, &b, &g, &g16})
             ASSERT_EQ(image->size(), QSize(w, h));
-        for (int y = 0; y < h; ++y) {
+        for (int y = 0; y < h; ++y)
             for (int x = 0; x < w; ++x) {
                 const auto p = rgba8.at(x, y);
                 const auto q = rgba16.at(x, y);
@@ -66,12 +66,10 @@ TEST(CelLeaf, ImagesShowEveryPixel)
                 EXPECT_EQ(g.constScanLine(y)[x], grey[size_t(y) * w + x]);
                 EXPECT_EQ(reinterpret_cast<const uint16_t *>(g16.constScanLine(y))[x], matte16.at(x, y));
             }
-        }
     }
-    EXPECT_TRUE(CEL_Util::getGrayScaleImage(nullptr).isNull());
-    EXPECT_TRUE(CEL_PixmapMatte8(0, 0).getImage().isNull());
-    EXPECT_TRUE(CEL_PixmapRGBA8(4, 0).getImage().isNull());
-    EXPECT_TRUE(CEL_PixmapMatte16(0, 3).getImage().isNull());
+    for (const QImage &empty : {CEL_Util::getGrayScaleImage(nullptr), CEL_PixmapMatte8(0, 0).getImage(),
+                                CEL_PixmapRGBA8(4, 0).getImage(), CEL_PixmapMatte16(0, 3).getImage()})
+        EXPECT_TRUE(empty.isNull());
 }
 
 TEST(CelMatte8, GreyFromColourAndSixteenBits)

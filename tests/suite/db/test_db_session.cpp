@@ -20,9 +20,8 @@ TEST_P(DbSessionTest, SchemaIsMadeOnceAndReopeningKeepsTheData) {
     const LMV_element_data element = makeElement();
     auto again = open();
     ASSERT_TRUE(again);
-    EXPECT_EQ(again->schemaVersion(), version);
-    EXPECT_EQ(again->jobs().size(), 1u);
-    EXPECT_EQ(again->DBA_elementNameFromID(element.id), QStringLiteral("E"));
+    EXPECT_EQ(std::tuple(again->schemaVersion(), again->jobs().size(), again->DBA_elementNameFromID(element.id)),
+              std::tuple(version, 1u, QStringLiteral("E")));
 }
 
 TEST_P(DbSessionTest, SelectionStartsWithTheUserAndDefaultEnvironmentAndNarrowsDown) {

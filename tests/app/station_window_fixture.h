@@ -17,10 +17,10 @@
 #include "app/tumanual_list_dlg.h"
 #include "app/tumenu_button.h"
 #include "scan/scanner_device.h"
-#include "suite/base/osw_util.h"
 #include "qstring_print.h"
 #include "window_fixture.h"
 #include "support/screenshot.h"
+#include "workflow/scan_conf_file.h"
 #include "workflow/config.h"
 #include "workflow/connect_database.h"
 
@@ -31,7 +31,6 @@ protected:
         oldCwd_ = QDir::currentPath();
         QDir::setCurrent(dir_.path());
         oldSleep_ = set_sleep_function_of_ScanDevice([](int) {});
-        ASSERT_TRUE(oswUtil::getShortMachineName(host_));
         selector_ = std::make_unique<TUDbSelector>(db_.get(), db_.get(), selector_user_types());
         window_ = std::make_unique<TUKqScan>(db_.get(), selector_.get(), false, false);
     }
@@ -43,24 +42,15 @@ protected:
         while (QApplication::overrideCursor()) QApplication::restoreOverrideCursor();
     }
 
-    std::string block(const std::string &name, const std::string &model, const std::string &more = {}) const {
-        return "host: " + host_.toStdString() + "\nname: " + name + "\ndevice: fieldchart\nmodel: " + model + "\n" +
-               more;
-    }
     // The colour test scanner and a black and white one.
     std::string twoScanners() const {
-        return block("Test Scanner", "Bogus-Color", "defaultPegSide: Bottom\ndefaultResolution: 200\n") +
-               block("Line Art Of The Ink Room", "Bogus-B&W", "defaultResolution: 300\ndefaultPegSide: Top\n");
+        return scannerBlock("Test Scanner", "Bogus-Color", "defaultPegSide: Bottom\ndefaultResolution: 200\n") +
+               scannerBlock("Line Art Of The Ink Room", "Bogus-B&W", "defaultResolution: 300\ndefaultPegSide: Top\n");
     }
 
     // Starts the session on a Scan.conf of these blocks and shows the window.
     ScanConfig *start(const std::string &conf) {
-        const QString path = dir_.filePath(QStringLiteral("Scan.conf"));
-        QFile f(path);
-        EXPECT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write(conf.data(), static_cast<qint64>(conf.size()));
-        f.close();
-        config_ = ScanConfigCreate(path, window_.get());
+        config_ = ScanConfigCreate(writeScanConf(dir_.path(), conf), window_.get());
         window_->setConfig(config_);
         window_->show(false);
         return config_;
@@ -91,7 +81,6 @@ protected:
     }
 
     QString oldCwd_;
-    QString host_;
     ScanSleepFunction oldSleep_ = nullptr;
     std::unique_ptr<TUDbSelector> selector_;
     std::unique_ptr<TUKqScan> window_;

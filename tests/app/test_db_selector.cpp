@@ -29,7 +29,7 @@ protected:
     void SetUp() override {
         ProductionTest::SetUp();
         envBefore_ = db_->envName();
-        element_ = makeElement(QStringLiteral("E"));
+        element_ = makeElement();
         const auto scene = db_->findScene(db_->findJob(QStringLiteral("J"))->id, QStringLiteral("S"));
         ASSERT_TRUE(scene && db_->createElement(scene->id, {.name = "Paint", .path = "Paint", .scanType = LMV_SCAN_COLOUR}));
         const auto other = db_->createJob(QStringLiteral("K"));

@@ -22,9 +22,7 @@ protected:
     // The colour test scanner, which feeds and registers optically, scanning
     // `device` (the painted chart or a drawing file), with a list of `numbers`.
     void startScanning(const QString &device, const QString &numbers) {
-        ASSERT_NE(start("host: " + host_.toStdString() + "\nname: Test Scanner\ndevice: " + device.toStdString() +
-                        "\nmodel: Bogus-Color\n"),
-                  nullptr);
+        ASSERT_NE(start(scannerBlock("Test Scanner", "Bogus-Color", {}, device.toStdString())), nullptr);
         ASSERT_TRUE(autofeed_of_ScanConfig(config_));
         ASSERT_TRUE(optical_of_ScanConfig(config_));
         buildList(numbers);

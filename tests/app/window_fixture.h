@@ -82,21 +82,12 @@ protected:
         ASSERT_EQ(db_->dba_Open2dDatabaseSession(), 0) << db_->lastError().toStdString();
     }
 
-    // Job J, scene S and element `name` in it.
-    LMV_element_data makeElement(const QString &name = QStringLiteral("E")) {
-        auto job = db_->findJob(QStringLiteral("J"));
-        if (!job) job = db_->createJob(QStringLiteral("J"));
-        EXPECT_TRUE(job) << db_->lastError().toStdString();
-        if (!job) return {};
-        auto scene = db_->findScene(job->id, QStringLiteral("S"));
-        if (!scene) scene = db_->createScene(job->id, QStringLiteral("S"), dir_.filePath(QStringLiteral("S")));
-        EXPECT_TRUE(scene) << db_->lastError().toStdString();
-        if (!scene) return {};
-        LMV_element_data spec;
-        spec.name = name;
-        spec.path = name;
-        spec.scanType = LMV_SCAN_BW;
-        const auto element = db_->createElement(scene->id, spec);
+    // Job J, scene S and black and white element E in it.
+    LMV_element_data makeElement() {
+        const auto job = db_->createJob(QStringLiteral("J"));
+        const auto scene = job ? db_->createScene(job->id, QStringLiteral("S"), dir_.filePath(QStringLiteral("S"))) : std::nullopt;
+        const auto element =
+            scene ? db_->createElement(scene->id, {.name = "E", .path = "E", .scanType = LMV_SCAN_BW}) : std::nullopt;
         EXPECT_TRUE(element) << db_->lastError().toStdString();
         return element.value_or(LMV_element_data{});
     }

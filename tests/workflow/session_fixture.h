@@ -9,7 +9,7 @@
 #include <string>
 
 #include "scan/scanner_device.h"
-#include "suite/base/osw_util.h"
+#include "scan_conf_file.h"
 #include "support/message_capture.h"
 #include "workflow/config.h"
 #include "workflow/drawing_list.h"
@@ -22,7 +22,6 @@ protected:
         oldCwd_ = QDir::currentPath();
         QDir::setCurrent(dir_.path());
         oldSleep_ = set_sleep_function_of_ScanDevice([](int) {});
-        ASSERT_TRUE(oswUtil::getShortMachineName(host_));
         window_.manualPath = dir_.path();
         window_.manualPrefix = QStringLiteral("T");
     }
@@ -32,22 +31,9 @@ protected:
         QDir::setCurrent(oldCwd_);
     }
 
-    // One scanner block of this machine.
-    std::string block(const std::string &name, const std::string &model, const std::string &more = {},
-                      const std::string &device = "fieldchart") const {
-        return "host: " + host_.toStdString() + "\nname: " + name + "\ndevice: " + device + "\nmodel: " + model + "\n" +
-               more;
-    }
-
     // Starts the session on a Scan.conf of these blocks.
     ScanConfig *start(const std::string &conf) {
-        const QString path = dir_.filePath(QStringLiteral("Scan.conf"));
-        QFile f(path);
-        EXPECT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write(conf.data(), static_cast<qint64>(conf.size()));
-        f.close();
-        config_ = ScanConfigCreate(path, &window_);
-        return config_;
+        return config_ = ScanConfigCreate(writeScanConf(dir_.path(), conf), &window_);
     }
 
     void list(const QStringList &names) { build_manual_list(config_, names); }
@@ -60,7 +46,6 @@ protected:
     bool exists(const QString &name) const { return QFile::exists(dir_.filePath(name)); }
 
     QTemporaryDir dir_;
-    QString host_;
     QString oldCwd_;
     ScanSleepFunction oldSleep_ = nullptr;
     MessageCapture capture_;

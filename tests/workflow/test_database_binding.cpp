@@ -34,7 +34,7 @@ protected:
     // The colour test scanner at 72 dpi, pegged many, bound to the element
     // with a list of `names`; `more` adds lines to the scanner's block.
     ScanConfig *bound(const QStringList &names, const std::string &more = {}) {
-        ScanConfig *c = start(block("Test", "Bogus-Color", more));
+        ScanConfig *c = start(scannerBlock("Test", "Bogus-Color", more));
         set_dpi_of_ScanConfig(c, 72);
         set_feed_of_ScanConfig(c, FEED_PEGGED_MANY);
         set_optical_of_ScanConfig(c, false);
@@ -45,9 +45,8 @@ protected:
     // The step for the current row, as SaveScan runs it.
     int32_t update() { return UpdateDrawingDatabase(config_); }
     void moveTo(int row) { window_.list.setCurrentRow(row); }
-    std::vector<std::string> traces() const { return capture_.texts('D'); }
     bool traced(const std::string &text) const {
-        const auto t = traces();
+        const auto t = capture_.texts('D');
         return std::find(t.begin(), t.end(), text) != t.end();
     }
 
@@ -58,7 +57,7 @@ protected:
 // Without its folder the element is not bound and the old list stays; with
 // it the list is built in the selector's order, in database mode.
 TEST_F(BindingTest, BindingAnElementBuildsItsListInDatabaseMode) {
-    ScanConfig *c = start(block("Test", "Bogus-Color"));
+    ScanConfig *c = start(scannerBlock("Test", "Bogus-Color"));
     list({"9"});
     EXPECT_FALSE(bind_element_of_ScanConfig(c, db_.element.id, {"1", "2"}));
     EXPECT_FALSE(binding_of_ScanConfig(c)->open || database_of_ScanConfig(c));
@@ -100,7 +99,7 @@ TEST_F(BindingTest, AnElementWithoutVectorizationIsMarkedButNeverQueued) {
 
     // A closed binding does nothing at all.
     ScanConfigDestroy(config_);
-    start(block("Test", "Bogus-Color"));
+    start(scannerBlock("Test", "Bogus-Color"));
     list({"1"});
     ASSERT_FALSE(binding_of_ScanConfig(config_)->open);
     EXPECT_EQ(update(), SCAN_DONE);

@@ -73,7 +73,7 @@ using SessionList = SessionTest;
 // the list before it; an empty list leaves nothing to scan, and an empty name
 // from the dialog is left out.
 TEST_F(SessionList, ManualListsReplaceOneAnother) {
-    ASSERT_NE(start(block("Desk", "Bogus-Color")), nullptr);
+    ASSERT_NE(start(scannerBlock("Desk", "Bogus-Color")), nullptr);
     set_can_save_of_ScanConfig(config_, true);
     list({"1", "2", "3"});
     EXPECT_EQ(rows(window_.list), "1|2|3");
@@ -100,7 +100,7 @@ TEST_F(SessionList, ManualListsReplaceOneAnother) {
 }
 
 TEST_F(SessionList, ReverseDropsTheMarksAndGoesBackToTheTop) {
-    ASSERT_NE(start(block("Desk", "Bogus-Color")), nullptr);
+    ASSERT_NE(start(scannerBlock("Desk", "Bogus-Color")), nullptr);
     list({"a", "b", "c"});
     DrawingList *l = drawing_list_of_ScanConfig(config_);
     mark_of_DrawingList(l, 0, ROW_SCANNED, "B&W");

@@ -35,7 +35,7 @@ TEST_F(SessionTest, OpticalRegistrationCutsWhichScansToTheFieldAndWhere) {
         ScanDrawingList(config_);
         return drawing_of_ScanConfig(config_);
     };
-    ScanConfig *c = start(block("Test", "Bogus-Color"));
+    ScanConfig *c = start(scannerBlock("Test", "Bogus-Color"));
     set_dpi_of_ScanConfig(c, 100);
     set_depth_of_ScanConfig(c, DEPTH_GREY);
     set_peg_side_of_ScanConfig(c, PEG_LEFT);

@@ -12,7 +12,7 @@ class ConfigTest : public SessionTest {
 protected:
     // A colour feeder first, then a flatbed that has no feeder at any depth.
     ScanConfig *startTwo() {
-        return start(block("Colour", "Bogus-Color") + block("Flat", "Epson_836XL", {}, "/dev/null"));
+        return start(scannerBlock("Colour", "Bogus-Color") + scannerBlock("Flat", "Epson_836XL", {}, "/dev/null"));
     }
 };
 
@@ -20,7 +20,7 @@ protected:
 // goes on, and then scans nothing.
 TEST_F(ConfigTest, NoScannerQuestionDecidesWhetherTheSessionStarts) {
     window_.noScannerAnswer = NoScannerAnswer::ExitScanProgram;
-    EXPECT_EQ(start(block("Elsewhere", "Bogus-Color").replace(6, host_.size(), "otherhost")), nullptr);
+    EXPECT_EQ(start("host: otherhost\nname: Elsewhere\ndevice: fieldchart\nmodel: Bogus-Color\n"), nullptr);
     window_.noScannerAnswer = NoScannerAnswer::Continue;
     ASSERT_NE(start(""), nullptr);
     EXPECT_EQ(window_.noScannerAsked, 2);
@@ -94,15 +94,6 @@ TEST_F(ConfigTest, FeedEntriesWriteTheirFlagsAndBadFlagsAreRepaired) {
     EXPECT_FALSE(autofeed_of_ScanConfig(c) || optical_of_ScanConfig(c) || pancel_of_ScanConfig(c));
     EXPECT_TRUE(one_drawing_of_ScanConfig(c));
     EXPECT_EQ(window_.marked(Feed::Feed), FEED_PEGGED);
-}
-
-TEST_F(ConfigTest, DepthMenuFollowsTheModel) {
-    ScanConfig *c = start(block("Mono", "Bogus-B&W"));
-    EXPECT_TRUE(window_.entryEnabled(Feed::Colour, DEPTH_BW));
-    EXPECT_TRUE(window_.entryEnabled(Feed::Colour, DEPTH_GREY));
-    EXPECT_FALSE(window_.entryEnabled(Feed::Colour, DEPTH_COLOUR));
-    EXPECT_EQ(window_.marked(Feed::Colour), DEPTH_BW);
-    EXPECT_EQ(window_.shownParameters, &device_of_ScannerEntry(scanner_of_ScanConfig(c))->bw_parameters);
 }
 
 TEST_F(ConfigTest, InterfaceStatesEnableTheirControls) {

@@ -35,7 +35,7 @@ class LoopTest : public SessionTest {
 protected:
     // The colour test scanner at a small resolution, pegged many, on a list.
     ScanConfig *startColour(const QStringList &names, int feed = FEED_PEGGED_MANY) {
-        ScanConfig *c = start(block("Test", "Bogus-Color"));
+        ScanConfig *c = start(scannerBlock("Test", "Bogus-Color"));
         set_dpi_of_ScanConfig(c, 72);
         set_feed_of_ScanConfig(c, feed);
         set_optical_of_ScanConfig(c, false);

@@ -7,8 +7,8 @@
 
 #include <tuple>
 
-#include "suite/base/osw_util.h"
 #include "suite/db/sql_db_access.h"
+#include "scan_conf_file.h"
 #include "support/run_program.h"
 
 namespace {
@@ -19,14 +19,8 @@ protected:
         ASSERT_TRUE(dir_.isValid());
         oldEtc_ = qgetenv("SCAN_ETC");
         qputenv("SCAN_ETC", dir_.path().toLocal8Bit());  // no station's own database.conf
-        QString host;
-        ASSERT_TRUE(oswUtil::getShortMachineName(host));
-        conf_ = dir_.filePath(QStringLiteral("Scan.conf"));
-        QFile f(conf_);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        for (const char *block : {"name: Test\ndevice: fieldchart\nmodel: Bogus-Color\n",
-                                  "name: Flat Bed\ndevice: /dev/null\nmodel: Epson_836XL\n"})
-            f.write("host: " + host.toUtf8() + "\n" + block);
+        conf_ = writeScanConf(dir_.path(), scannerBlock("Test", "Bogus-Color") +
+                                               scannerBlock("Flat Bed", "Epson_836XL", {}, "/dev/null"));
         ASSERT_TRUE(QDir(dir_.path()).mkdir(QStringLiteral("scans")));
         scans_ = dir_.filePath(QStringLiteral("scans"));
     }

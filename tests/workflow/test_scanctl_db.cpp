@@ -76,8 +76,7 @@ TEST_F(ScanctlDb, WrongNamesAreRefusedAndWrongWordsAreUsageErrors) {
         {{"db", "create-element", "J", "S", "F", "--scan-type", "bw", "--field", "12"}, 1, "needs --vectorize"},
         {QStringList{"db", "create-element", "J", "S", "a/b"} + element, 1, "not an element name"},
         {{"db", "create-scene", "J", "T"}, 1, "needs --path"},
-        {{"db", "expose", "J", "S", "E", "1:3 a:3"}, 1, "The \"From\" part of a:3 is not an integer"},
-        {{"db", "expose", "J", "S", "E", "4:x"}, 1, "The \"To\" part of 4:x is not an integer"},
+        {{"db", "expose", "J", "S", "E", "1:3 a:3"}, 1, "a:3 is not an integer"},
         {{"db", "create-job"}, 1, "wrong number of arguments"},
         {{"db", "rename", "J"}, 1, "unknown subcommand 'rename'"},
         {{"db", "show", "--verbose"}, 1, "unknown option '--verbose'"},
@@ -102,7 +101,7 @@ TEST_F(ScanctlDb, WrongNamesAreRefusedAndWrongWordsAreUsageErrors) {
     EXPECT_FALSE(QFileInfo::exists(dir_.filePath("scenes/S/F")));
 }
 
-TEST_F(ScanctlDb, QueueEntriesAreTakenUnderALeaseAndFinishedByTheirWorker) {
+TEST_F(ScanctlDb, QueueEntriesAreTakenAndFinishedByTheirWorker) {
     ASSERT_NO_FATAL_FAILURE(makeProduction("pix2vec"));
     ProcessResult r = scanctl({"queue", "add", "--job", "J", "--scene", "S", "--element", "E", "--drawings", "1:3",
                                "--options", "-no_color_art "});
@@ -110,20 +109,17 @@ TEST_F(ScanctlDb, QueueEntriesAreTakenUnderALeaseAndFinishedByTheirWorker) {
     r = scanctl({"queue", "list"});
     EXPECT_EQ(r.out, "1  waiting  J/S/E  1  pix2vec\n2  waiting  J/S/E  2  pix2vec\n3  waiting  J/S/E  3  pix2vec\n");
 
-    r = scanctl({"queue", "take", "--worker", "a", "--lease", "2"});
+    r = scanctl({"queue", "take", "--worker", "a"});
     ASSERT_EQ(r.status, 0) << r.err.toStdString();
     EXPECT_EQ(r.out, "1  taken  J/S/E  1  pix2vec  a\n");
     r = scanctl({"queue", "take", "--worker", "b", "--count", "5"});
     EXPECT_EQ(r.out, "2  taken  J/S/E  2  pix2vec  b\n3  taken  J/S/E  3  pix2vec  b\n");
     EXPECT_EQ(scanctl({"queue", "take", "--worker", "b"}).status, 3) << "nothing is free while leases run";
-
-    // a's lease runs out: b may take entry 1, and a can no longer finish it.
-    QThread::msleep(2100);
-    EXPECT_EQ(scanctl({"queue", "take", "--worker", "b"}).out, "1  taken  J/S/E  1  pix2vec  b\n");
-    r = scanctl({"queue", "done", "1", "--worker", "a"});
+    // (A lapsed lease handing an entry over is the worker processes' test.)
+    r = scanctl({"queue", "done", "3", "--worker", "a"});
     EXPECT_EQ(r.status, 2);
-    EXPECT_TRUE(r.err.contains("entry 1 is held by b, not a")) << r.err.toStdString();
-    EXPECT_EQ(scanctl({"queue", "done", "1", "--worker", "b"}).status, 0);
+    EXPECT_TRUE(r.err.contains("entry 3 is held by b, not a")) << r.err.toStdString();
+    EXPECT_EQ(scanctl({"queue", "done", "1", "--worker", "a"}).status, 0);
     EXPECT_EQ(scanctl({"queue", "fail", "2", "no line art found"}).status, 0);
     EXPECT_EQ(scanctl({"queue", "done", "2"}).status, 2) << "a failed entry stays failed";
 
@@ -132,7 +128,7 @@ TEST_F(ScanctlDb, QueueEntriesAreTakenUnderALeaseAndFinishedByTheirWorker) {
     EXPECT_TRUE(r.out.contains("  message:      no line art found\n"));
     EXPECT_TRUE(r.out.contains("  options:      -no_color_art \n"));
     EXPECT_TRUE(r.out.contains("  process:      pix2vec (4)\n"));
-    EXPECT_EQ(scanctl({"queue", "list", "--state", "done"}).out, "1  done  J/S/E  1  pix2vec  b\n");
+    EXPECT_EQ(scanctl({"queue", "list", "--state", "done"}).out, "1  done  J/S/E  1  pix2vec  a\n");
 }
 
 TEST_F(ScanctlDb, AWorkerRunsItsProgramForEachEntryAndRecordsTheOutcome) {

@@ -108,6 +108,7 @@ TEST_F(SessionList, ReverseDropsTheMarksAndGoesBackToTheTop) {
     mark_of_DrawingList(l, 1, ROW_NOT_SCANNED, QString());
     next_of_DrawingList(l);
     reverse_list(config_);
+    l = drawing_list_of_ScanConfig(config_);  // the reversed list is a new one
     EXPECT_EQ(rows(window_.list), "c|b|a");
     EXPECT_EQ(name_of_DrawingList(l, 0), "c");
     for (int r = 0; r < 3; ++r) EXPECT_EQ(state_of_DrawingList(l, r), ROW_NONE);

@@ -3,6 +3,7 @@
 #   scripts/coverage.sh [BUILD_DIR]   (default build-cov)
 # COVERAGE_TESTS=REGEX runs only the ctest entries it matches; COVERAGE_DETAIL=PREFIX
 # also lists each source file under PREFIX (for instance scan/) with its lines.
+# scripts/coverage-cases.py then shows which lines each test case alone reaches.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 dir=$(mkdir -p "${1:-$root/build-cov}" && cd "${1:-$root/build-cov}" && pwd)

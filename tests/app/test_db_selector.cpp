@@ -86,3 +86,16 @@ TEST_F(DbSelectorTest, LogsInThenOpensTheChosenElement) {
     EXPECT_EQ(selector.elementId(), element_.id);
     EXPECT_EQ(db_->selectedElementId(), element_.id);
 }
+
+// A failed read is an error to the operator, never an empty list.
+TEST_F(DbSelectorTest, AFailedReadIsReportedNotShownAsNoScenes) {
+    hideTable(QStringLiteral("scenes"));
+    TUDbSelectDlg select(db_.get(), false);
+    whileOpen(select, [&] {
+        choose(select.jobList(), QStringLiteral("J"));
+        EXPECT_EQ(select.sceneList()->count(), 0);
+    });
+    select.exec();
+    ASSERT_FALSE(reported().isEmpty());
+    EXPECT_TRUE(reported().last().startsWith("Cannot read the production database: ")) << reported().last().toStdString();
+}

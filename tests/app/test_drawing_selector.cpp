@@ -127,3 +127,13 @@ TEST_F(DrawingSelectorTest, SelectModeLastsAndCancelLeavesTheNames) {
     EXPECT_EQ(selector.exec(&names), 0);
     EXPECT_TRUE(names.isEmpty());
 }
+
+// A failed read is an error to the operator, never an element with nothing exposed.
+TEST_F(DrawingSelectorTest, AFailedReadIsReportedNotShownAsNoDrawings) {
+    hideTable(QStringLiteral("cels"));
+    TUDrawingSelector selector(db_.get(), element_.id);
+    whileOpen(selector, [&] { EXPECT_EQ(selector.table()->rowCount(), 0); });
+    selector.exec(nullptr);
+    ASSERT_FALSE(reported().isEmpty());
+    EXPECT_TRUE(reported().last().startsWith("Cannot read the drawings of the element: ")) << reported().last().toStdString();
+}

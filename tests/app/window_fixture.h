@@ -3,6 +3,8 @@
 // in a temporary folder with reports recorded instead of shown, an operator
 // who answers message boxes, and ways to act inside a modal dialog.
 #include <QtWidgets>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 
 #include <gtest/gtest.h>
 
@@ -95,6 +97,18 @@ protected:
     void openScene() {
         ASSERT_EQ(db_->selectJob(QStringLiteral("J")), 0) << db_->lastError().toStdString();
         ASSERT_EQ(db_->selectScene(QStringLiteral("S")), 0) << db_->lastError().toStdString();
+    }
+
+    // Renames a table of the production file behind the session's back, so
+    // that the next read of it fails.
+    void hideTable(const QString &table) const {
+        {
+            QSqlDatabase raw = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("hide_table"));
+            raw.setDatabaseName(dir_.filePath(QStringLiteral("production.db")));
+            ASSERT_TRUE(raw.open());
+            ASSERT_TRUE(QSqlQuery(raw).exec(QStringLiteral("ALTER TABLE %1 RENAME TO hidden_%1").arg(table)));
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("hide_table"));
     }
 
     // Schedules `inside` for when `dialog` runs its modal loop next; a

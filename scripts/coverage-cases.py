@@ -10,14 +10,12 @@ the entries run. Slow: one gcov pass per case.
 """
 import collections, glob, json, os, re, subprocess, sys
 
+from gcov_lines import code_lines
+
 build = os.path.abspath(sys.argv[1] if len(sys.argv) > 1 else
                         os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "build-cov"))
-# The sources the build was made from, which its line records name.
-root = next(l.split("=", 1)[1].strip() for l in open(os.path.join(build, "CMakeCache.txt"))
-            if l.startswith("CMAKE_HOME_DIRECTORY:"))
 out = sys.argv[2] if len(sys.argv) > 2 else os.path.join(build, "coverage-cases")
 only = re.compile(sys.argv[3]) if len(sys.argv) > 3 else None
-folders = ("app", "scan", "suite", "workflow", "vectorize", "tools")
 
 
 def property_of(test, name, default):
@@ -25,19 +23,7 @@ def property_of(test, name, default):
 
 
 def lines_of_run():
-    gcdas = [g for g in glob.glob(build + "/**/*.gcda", recursive=True)
-             if os.path.relpath(g, build).split("/")[0] in folders]
-    gcov = subprocess.run(["xargs", "-0", "gcov", "--json-format", "--stdout"], cwd=build,
-                          input="\0".join(gcdas).encode(), capture_output=True)
-    hit = set()
-    for doc in gcov.stdout.decode(errors="replace").splitlines():
-        doc = json.loads(doc)
-        for f in doc["files"]:
-            path = os.path.normpath(os.path.join(doc["current_working_directory"], f["file"]))
-            rel = os.path.relpath(path, root)
-            if rel.split("/")[0] in folders:
-                hit.update(f"{rel}:{l['line_number']}" for l in f["lines"] if l["count"] > 0)
-    return hit
+    return {f"{path}:{n}" for path, ran in code_lines(build).items() for n, hit in ran.items() if hit}
 
 
 def ranges(lines):

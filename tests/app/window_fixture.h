@@ -3,8 +3,6 @@
 // in a temporary folder with reports recorded instead of shown, an operator
 // who answers message boxes, and ways to act inside a modal dialog.
 #include <QtWidgets>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 
 #include <gtest/gtest.h>
 
@@ -13,6 +11,7 @@
 
 #include "suite/base/message_fixture.h"
 #include "suite/db/sql_db_access.h"
+#include "support/raw_sql.h"
 #include "support/screenshot.h"
 
 // Answers the message boxes that open: the n-th with the n-th answer, those
@@ -102,13 +101,8 @@ protected:
     // Renames a table of the production file behind the session's back, so
     // that the next read of it fails.
     void hideTable(const QString &table) const {
-        {
-            QSqlDatabase raw = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("hide_table"));
-            raw.setDatabaseName(dir_.filePath(QStringLiteral("production.db")));
-            ASSERT_TRUE(raw.open());
-            ASSERT_TRUE(QSqlQuery(raw).exec(QStringLiteral("ALTER TABLE %1 RENAME TO hidden_%1").arg(table)));
-        }
-        QSqlDatabase::removeDatabase(QStringLiteral("hide_table"));
+        ASSERT_TRUE(raw_sql(dir_.filePath(QStringLiteral("production.db")),
+                            QStringLiteral("ALTER TABLE %1 RENAME TO hidden_%1").arg(table)));
     }
 
     // Schedules `inside` for when `dialog` runs its modal loop next; a

@@ -12,6 +12,7 @@
 
 #include "suite/db/sql_db_access.h"
 #include "support/pg_test_server.h"
+#include "support/raw_sql.h"
 #include "support/run_program.h"
 
 enum class ScanctlBackend { SQLite, PostgreSQL };
@@ -79,27 +80,7 @@ protected:
     }
 
     // Runs one statement on the test's database over a connection of its own.
-    bool rawSql(const QString &statement) const {
-        DbConnectionSettings settings;
-        if (!DbConnectionSettings::parse(connection_, settings)) return false;
-        const QString name = QStringLiteral("scanctl_test_raw");
-        bool ok = false;
-        {
-            const bool sqlite = settings.kind == DbConnectionSettings::Kind::SQLite;
-            QSqlDatabase db = QSqlDatabase::addDatabase(sqlite ? QStringLiteral("QSQLITE") : QStringLiteral("QPSQL"), name);
-            db.setDatabaseName(sqlite ? settings.sqlitePath : settings.database);
-            db.setHostName(settings.host);
-            db.setUserName(settings.user);
-            if (db.open()) {
-                QSqlQuery q(db);
-                ok = q.exec(statement);
-                EXPECT_TRUE(ok) << statement.toStdString() << ": " << q.lastError().text().toStdString();
-            }
-            db.close();
-        }
-        QSqlDatabase::removeDatabase(name);
-        return ok;
-    }
+    bool rawSql(const QString &statement) const { return raw_sql(connection_, statement); }
     // For messages: the database as scanctl names it.
     QString described() const {
         DbConnectionSettings settings;

@@ -158,7 +158,7 @@ private:
         // What the program left running ends with it.
         kill_process_group(group);
         p.waitForFinished();
-        guard_.watch(0);
+        guard_.forget();
         if (a != Answer::Ok) return lostOrFailed(e, a);
         if (p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0) return record(e, QString());
         QString message = p.exitStatus() == QProcess::NormalExit

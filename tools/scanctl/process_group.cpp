@@ -56,8 +56,9 @@ ProcessGroupGuard::~ProcessGroupGuard() {
     ::waitpid(guard_, nullptr, 0);
 }
 
-void ProcessGroupGuard::watch(pid_t group) {
-    if (pipe_ >= 0) (void)!::write(pipe_, &group, sizeof group);
+void ProcessGroupGuard::forget() {
+    const pid_t none = 0;
+    if (pipe_ >= 0) (void)!::write(pipe_, &none, sizeof none);
 }
 
 std::function<void()> ProcessGroupGuard::childSetUp() const {

@@ -19,13 +19,13 @@ public:
 
     // False when the guard could not be started.
     bool ok() const { return pipe_ >= 0; }
-    // The group to end should this process die; 0 for none.
-    void watch(pid_t group);
     // For QProcess::setChildProcessModifier: the child leads a new process
     // group, is killed when the thread that started it dies, and tells the
     // guard of its group itself, before it runs anything: the worker could be
     // killed before it learns the child's id.
     std::function<void()> childSetUp() const;
+    // The program has ended, or never started: there is no group to end.
+    void forget();
 
 private:
     int pipe_ = -1;  // the writing end

@@ -147,6 +147,7 @@ private:
         p.setChildProcessModifier(guard_.childSetUp());
         p.start(command_[0], command_.mid(1));
         if (!p.waitForStarted()) {
+            guard_.forget();
             return record(e, QStringLiteral("can't start %1: %2").arg(command_[0], p.errorString()));
         }
         const pid_t group = pid_t(p.processId());

@@ -71,7 +71,7 @@ PegCandidates peg_candidates(const std::vector<GR_BezierPath2d> &polygons, const
         Math::Point2d dot;
         double area = 0.0;
         if (!options.centerPegHoles) {
-            area = std::fabs(polygon.signedArea()) * options.calibX * options.calibY;
+            area = std::fabs(polygon.GetPolygonArea()) * options.calibX * options.calibY;
             // The centroid is the costly part, over the polygon's whole box;
             // a polygon of no candidate's size needs it only for the traces.
             if (!options.rdebug && !is_centre_area(area, options.dpi) && !is_side_area(area, options.dpi)) continue;

@@ -7,7 +7,7 @@ packages=(
   build-essential cmake ninja-build ccache pkg-config
   qt6-base-dev qt6-base-dev-tools
   libtiff-dev
-  libgtest-dev libgmock-dev libbenchmark-dev libopencv-imgproc-dev
+  libgtest-dev libgmock-dev libbenchmark-dev libopencv-imgproc-dev libpotrace-dev
   clang libclang-rt-14-dev
   libqt6sql6-sqlite libqt6sql6-psql libsqlite3-dev postgresql
   locales

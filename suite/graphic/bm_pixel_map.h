@@ -1,11 +1,15 @@
 #pragma once
-// Uncompressed pixel maps of 8, 2 and 1 bits a pixel. Rows are aligned on
+// Uncompressed pixel maps of 24, 8, 2 and 1 bits a pixel. Rows are aligned on
 // 4 bytes; in a 1-bit row x = 0 is bit 7 of the first byte, in a 2-bit row
-// the top two bits.
+// the top two bits; a 24-bit pixel is the bytes blue, green, red, read as the
+// number red << 16 | green << 8 | blue.
 #include <cstdint>
 #include <cstring>
 #include <vector>
 
+struct BM_PixelBgr24 {
+    static constexpr int kBits = 24;
+};
 struct BM_PixelGray8 {
     static constexpr int kBits = 8;
 };
@@ -67,14 +71,19 @@ public:
     unsigned get(int x, int y) const {
         if (!stores(y)) return 0;
         const uint8_t *r = row(y);
-        if constexpr (Pixel::kBits == 8) return r[x];
+        if constexpr (Pixel::kBits == 24) return r[3 * x] | (r[3 * x + 1] << 8) | (unsigned(r[3 * x + 2]) << 16);
+        else if constexpr (Pixel::kBits == 8) return r[x];
         else if constexpr (Pixel::kBits == 2) return (r[x >> 2] >> (6 - 2 * (x & 3))) & 3u;
         else return (r[x >> 3] >> (7 - (x & 7))) & 1u;
     }
     void set(int x, int y, unsigned v) {
         if (!stores(y)) return;
         uint8_t *r = row(y);
-        if constexpr (Pixel::kBits == 8) {
+        if constexpr (Pixel::kBits == 24) {
+            r[3 * x] = static_cast<uint8_t>(v);
+            r[3 * x + 1] = static_cast<uint8_t>(v >> 8);
+            r[3 * x + 2] = static_cast<uint8_t>(v >> 16);
+        } else if constexpr (Pixel::kBits == 8) {
             r[x] = static_cast<uint8_t>(v);
         } else if constexpr (Pixel::kBits == 2) {
             const int shift = 6 - 2 * (x & 3);
@@ -93,6 +102,7 @@ private:
     std::vector<uint8_t> data_;
 };
 
+using BM_IndexMap = BM_PixelMap<BM_PixelBgr24>;
 using BM_GreyMap = BM_PixelMap<BM_PixelGray8>;
 using BM_MaskMap = BM_PixelMap<BM_Pixel1>;
 using BM_MarkMap = BM_PixelMap<BM_Pixel2>;

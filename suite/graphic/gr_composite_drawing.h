@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <cmath>
 #include <memory>
 
 #include "suite/graphic/gr_palette_info.h"
@@ -14,6 +15,14 @@ class GR_CompositeDrawingInfo {
 public:
     double fieldSize() const { return fieldSize_; }
     void SetFieldSize(double fields) { fieldSize_ = fields; }
+    // The field in world units, centred on the origin: 5000 by 3750 for 12
+    // fields, in proportion for others. A field size that is not a positive
+    // number frames the standard sheet of 12 fields.
+    Math::Box2d fieldBox() const {
+        const double f = std::isfinite(fieldSize_) && fieldSize_ > 0.0 ? fieldSize_ : 12.0;
+        const double halfWidth = 2500.0 * f / 12.0, halfHeight = 1875.0 * f / 12.0;
+        return {-halfWidth, -halfHeight, halfWidth, halfHeight};
+    }
     const QString &scanInfo() const { return scanInfo_; }
     void SetScanInfo(const QString &info) { scanInfo_ = info; }
     const QString &creator() const { return creator_; }

@@ -50,7 +50,8 @@ public:
 
     // Writes the drawing to `path` through a temporary file in the same
     // folder, renamed over `path` only when complete. `version` 0 is the
-    // current format, 604 asks for format 1002; other versions are refused.
+    // current format, as is 1002 (what `-output_version 604` sets); other
+    // versions are refused.
     // False with `error` set on failure; an earlier file stays as it was.
     bool Store(const QString &path, int version, QString *error = nullptr) const;
     // The file's bytes.

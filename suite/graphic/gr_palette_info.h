@@ -17,6 +17,8 @@ public:
     // Takes the texture into the drawing and gives it the next free id,
     // which it returns.
     int64_t addLocalColor(const CM_TexturePtr &texture);
+    // Takes the texture with the id it has (a drawing being read back).
+    void addLocalColorKeepingId(CM_TexturePtr texture) { textures_.push_back(std::move(texture)); }
     const std::vector<CM_TexturePtr> &textures() const { return textures_; }
     const CM_Texture *texture(int64_t id) const;
 

@@ -6,9 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <random>
-#include <sys/resource.h>
 #include <tiffio.h>
 
 #include "scan/drawing.h"
@@ -17,6 +15,7 @@
 #include "scan/vector_scaninfo.h"
 #include "suite/base/osw_util.h"
 #include "suite/cel/celio_manager.h"
+#include "support/file_size_limit.h"
 #include "support/message_capture.h"
 
 namespace {
@@ -164,16 +163,7 @@ TEST_F(DrawingFile, FailedSavesKeepThePreviousFile) {
     set_file_format_of_Drawing(d, 999);
     EXPECT_EQ(save_Drawing(d), 1) << "unknown format";
     set_file_format_of_Drawing(d, 2);
-    rlimit saved{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limited = saved;
-    limited.rlim_cur = 32768;
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
-    const int result = save_Drawing(d);
-    setrlimit(RLIMIT_FSIZE, &saved);
-    std::signal(SIGXFSZ, oldHandler);
-    EXPECT_EQ(result, 1);
+    EXPECT_EQ(with_file_size_limit(32768, [&] { return save_Drawing(d); }), 1);
     EXPECT_EQ(file_bytes(file()), before);
     EXPECT_EQ(entries(), QStringList{QStringLiteral("BG-0001.tif")});
 }

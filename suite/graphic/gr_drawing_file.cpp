@@ -137,7 +137,7 @@ QCborArray textureArray(const std::vector<CM_TexturePtr> &textures) {
 // ---- reading ----
 
 // Reads fields of the decoded item, keeping the first fault with where it was
-// met ("line art, layer 2, stroke 7: ..."). After a fault every read gives a
+// met ("lineArt: layer 2: stroke 7: ..."). After a fault every read gives a
 // neutral value, so callers check ok() only where a fault would mislead them.
 class Reader {
 public:

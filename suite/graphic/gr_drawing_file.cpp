@@ -6,8 +6,8 @@
 #include <QCborMap>
 #include <QCborStreamReader>
 #include <QCborValue>
+#include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <QtEndian>
 
 #include <array>
@@ -19,6 +19,7 @@
 #include <unordered_set>
 
 #include "suite/graphic/gr_composite_drawing.h"
+#include "suite/graphic/gr_export.h"
 
 namespace {
 
@@ -358,27 +359,23 @@ QByteArray GR_CompositeVectorDrawingObj::toBytes() const {
 
 bool GR_CompositeVectorDrawingObj::Store(const QString &path, int version, QString *error) const {
     if (version != 0 && version != kFormatVersion) {
-        if (error) *error = QStringLiteral("Cannot write \"%1\": drawing file format version %2 is not supported (only %3 is)")
-                                .arg(path).arg(version).arg(kFormatVersion);
+        if (error) *error = QStringLiteral("Cannot write %1: drawing file format version %2 is not supported (only %3 is)")
+                                .arg(QDir::toNativeSeparators(path)).arg(version).arg(kFormatVersion);
         return false;
     }
     const QByteArray bytes = toBytes();
-    // Unless committed, the temporary file is removed and `path` untouched.
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit()) return true;
-    if (error) *error = QStringLiteral("Cannot write \"%1\": %2").arg(path, file.errorString());
-    return false;
+    return GR_WriteWhole(path, [&bytes](QIODevice &out) { return out.write(bytes) == bytes.size(); }, error);
 }
 
 std::unique_ptr<GR_CompositeVectorDrawingObj> GR_CompositeVectorDrawingObj::Load(const QString &path, QString *error) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        if (error) *error = QStringLiteral("Cannot read \"%1\": %2").arg(path, file.errorString());
+        if (error) *error = QStringLiteral("Cannot read %1: %2").arg(QDir::toNativeSeparators(path), file.errorString());
         return nullptr;
     }
     QString why;
     auto drawing = fromBytes(file.readAll(), &why);
-    if (!drawing && error) *error = QStringLiteral("Cannot read \"%1\": %2").arg(path, why);
+    if (!drawing && error) *error = QStringLiteral("Cannot read %1: %2").arg(QDir::toNativeSeparators(path), why);
     return drawing;
 }
 

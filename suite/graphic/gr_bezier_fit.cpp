@@ -18,6 +18,10 @@ constexpr double kReachPerError = 3.0;
 // Newton steps on the parameters when a cubic is close to fitting (within
 // twice the error); beyond that a split is the better buy.
 constexpr int kNewtonSteps = 4;
+// A cubic has four degrees of freedom; this many samples of a long run of
+// points judge a fit about as well as all of them, at a fraction of the cost.
+// A fit is accepted only once all points are checked.
+constexpr int kSamples = 32;
 // How much more a corner may turn over twice its reach and still be one;
 // a round shape turns twice as much.
 constexpr double kCornerGrowth = 1.5;
@@ -28,33 +32,18 @@ inline Vector2d operator-(const Vector2d &v) { return {-v.x, -v.y}; }
 inline Point2d operator+(const Point2d &p, const Vector2d &v) { return {p.x + v.x, p.y + v.y}; }
 inline double dot(const Vector2d &a, const Vector2d &b) { return a.x * b.x + a.y * b.y; }
 
+// std::hypot guards against overflow at several times the cost; world
+// coordinates are far from that.
+inline double distance(const Point2d &a, const Point2d &b) {
+    return std::sqrt((a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y));
+}
+
 inline Vector2d unit(Vector2d v) {
     v.Normalize();
     return v;
 }
 
 inline int floorDiv(int a, int b) { return a >= 0 ? a / b : -((-a + b - 1) / b); }
-
-inline Point2d bezier(const Point2d c[4], double t) {
-    const double s = 1 - t;
-    const double b0 = s * s * s, b1 = 3 * s * s * t, b2 = 3 * s * t * t, b3 = t * t * t;
-    return {b0 * c[0].x + b1 * c[1].x + b2 * c[2].x + b3 * c[3].x, b0 * c[0].y + b1 * c[1].y + b2 * c[2].y + b3 * c[3].y};
-}
-
-// One Newton step towards the parameter of the curve's point nearest to p,
-// kept in [0, 1] so that the distance measured there is one to the curve.
-inline double newtonStep(const Point2d c[4], const Point2d &p, double u) {
-    const double s = 1 - u;
-    const Point2d q = bezier(c, u);
-    const Vector2d d1{3 * (s * s * (c[1].x - c[0].x) + 2 * s * u * (c[2].x - c[1].x) + u * u * (c[3].x - c[2].x)),
-                      3 * (s * s * (c[1].y - c[0].y) + 2 * s * u * (c[2].y - c[1].y) + u * u * (c[3].y - c[2].y))};
-    const Vector2d d2{6 * (s * (c[2].x - 2 * c[1].x + c[0].x) + u * (c[3].x - 2 * c[2].x + c[1].x)),
-                      6 * (s * (c[2].y - 2 * c[1].y + c[0].y) + u * (c[3].y - 2 * c[2].y + c[1].y))};
-    const Vector2d off = q - p;
-    const double den = dot(d1, d1) + dot(off, d2);
-    if (!(std::abs(den) > 1e-12)) return u;
-    return std::clamp(u - dot(off, d1) / den, 0.0, 1.0);
-}
 
 }  // namespace
 
@@ -120,15 +109,16 @@ void GR_BezierFitter::load(const GR_BezierPath2d &path) {
 void GR_BezierFitter::findCorners() {
     const int m = static_cast<int>(raw_.size());
     if (m < 3) return;
+    const int half = closed_ ? std::max(1, (m - 1) / 2) : m;
+    // Arms reach at most half a loop: a path index j runs from -m to 2m.
     arc_.resize(static_cast<size_t>(m) + 1);
     arc_[0] = 0;
-    for (int i = 0; i < m; ++i) arc_[i + 1] = arc_[i] + raw_[i].GetDistance(raw_[(i + 1) % m]);
+    for (int i = 1; i <= m; ++i) arc_[i] = arc_[i - 1] + distance(raw_[i - 1], raw_[i < m ? i : 0]);
     const double total = arc_[m];
-    const auto wrap = [m](int j) { return j - floorDiv(j, m) * m; };
-    const auto at = [&](int j) { return closed_ ? arc_[wrap(j)] + floorDiv(j, m) * total : arc_[j]; };
-    const auto point = [&](int j) { return raw_[closed_ ? wrap(j) : j]; };
+    const auto wrap = [m](int j) { return j < 0 ? j + m : j >= m ? j - m : j; };
+    const auto at = [&](int j) { return j < 0 ? arc_[j + m] - total : j >= m ? arc_[j - m] + total : arc_[j]; };
+    const auto point = [&](int j) -> const Point2d & { return raw_[wrap(j)]; };
 
-    const int half = closed_ ? std::max(1, (m - 1) / 2) : m;
     const int first = closed_ ? 0 : 1, end = closed_ ? m : m - 1;
     cosTurn_.assign(static_cast<size_t>(m), 1.0);
     armBack_.assign(static_cast<size_t>(m), 0);
@@ -163,7 +153,7 @@ void GR_BezierFitter::findCorners() {
         if (!(c < cosLimit) || wideTurn(i) > kCornerGrowth * std::acos(std::max(c, -1.0))) continue;
         bool sharpest = true;
         for (int j = armBack_[i] + 1; j < armAhead_[i] && sharpest; ++j) {
-            const double other = cosTurn_[static_cast<size_t>(closed_ ? wrap(j) : j)];
+            const double other = cosTurn_[static_cast<size_t>(wrap(j))];
             sharpest = j == i || other > c || (other == c && j > i);
         }
         rawCorner_[i] = sharpest;
@@ -192,14 +182,16 @@ void GR_BezierFitter::arrange() {
     }
     arc_.resize(pts_.size());
     arc_[0] = 0;
-    for (size_t i = 1; i < pts_.size(); ++i) arc_[i] = arc_[i - 1] + pts_[i - 1].GetDistance(pts_[i]);
+    for (size_t i = 1; i < pts_.size(); ++i) arc_[i] = arc_[i - 1] + distance(pts_[i - 1], pts_[i]);
 }
 
 // Fits pts_[first..last] with segments whose joins are smooth, and appends
-// them to done_.
+// them to done_: split at the worst point until every part fits, then joined
+// again where one segment fits two neighbours, since a cut at the worst point
+// is often one that was not needed.
 void GR_BezierFitter::fitPiece(int first, int last, Vector2d startTangent, Vector2d endTangent) {
+    const size_t begin = done_.size();
     stack_.clear();
-    piece_.clear();
     stack_.push_back({first, last, startTangent, endTangent, {}, {}});
     while (!stack_.empty()) {
         Segment s = stack_.back();
@@ -207,28 +199,26 @@ void GR_BezierFitter::fitPiece(int first, int last, Vector2d startTangent, Vecto
         const Attempt a = attempt(s);
         if (a.fits) {
             s.c1 = a.c1, s.c2 = a.c2;
-            piece_.push_back(s);
+            done_.push_back(s);
             continue;
         }
         const Vector2d t = cubic_ ? centreTangent(a.worst, first, last) : Vector2d{};
-        // The left half goes on top, so segments come off in path order.
+        // The left part goes on top, so that parts come off in path order.
         stack_.push_back({a.worst, s.last, t, s.endTangent, {}, {}});
         stack_.push_back({s.first, a.worst, s.startTangent, -t, {}, {}});
     }
-    // Splitting at the worst point often cuts where no cut was needed: join
-    // neighbours again where one segment fits both.
-    size_t kept = 0;
-    for (size_t i = 1; i < piece_.size(); ++i) {
-        Segment joined{piece_[kept].first, piece_[i].last, piece_[kept].startTangent, piece_[i].endTangent, {}, {}};
+    size_t kept = begin;
+    for (size_t i = begin + 1; i < done_.size(); ++i) {
+        Segment joined{done_[kept].first, done_[i].last, done_[kept].startTangent, done_[i].endTangent, {}, {}};
         const Attempt a = attempt(joined);
         if (a.fits) {
             joined.c1 = a.c1, joined.c2 = a.c2;
-            piece_[kept] = joined;
+            done_[kept] = joined;
         } else {
-            piece_[++kept] = piece_[i];
+            done_[++kept] = done_[i];
         }
     }
-    done_.insert(done_.end(), piece_.begin(), piece_.begin() + static_cast<std::ptrdiff_t>(kept + 1));
+    done_.resize(kept + 1);
 }
 
 GR_BezierFitter::Attempt GR_BezierFitter::attempt(const Segment &s) {
@@ -236,78 +226,126 @@ GR_BezierFitter::Attempt GR_BezierFitter::attempt(const Segment &s) {
         // Nothing between the ends: one segment fits, straight as far as the
         // tangents allow.
         const Point2d &p0 = pts_[s.first], &p3 = pts_[s.last];
-        const double third = p0.GetDistance(p3) / 3;
+        const double third = distance(p0, p3) / 3;
         return {true, s.first, p0 + third * s.startTangent, p3 + third * s.endTangent};
     }
     return cubic_ ? attemptCubic(s) : attemptLine(s);
 }
 
+// The chord from end to end, judged by the distance of every point to it.
 GR_BezierFitter::Attempt GR_BezierFitter::attemptLine(const Segment &s) {
-    const Math::Segment2d chord{pts_[s.first], pts_[s.last]};
+    const Point2d a = pts_[s.first];
+    const Vector2d d = pts_[s.last] - a;
+    const double length2 = dot(d, d), inverse = length2 > 0 ? 1 / length2 : 0;
     double worst2 = -1;
     int worst = s.first + 1;
     for (int i = s.first + 1; i < s.last; ++i) {
-        const double d2 = chord.GetDistanceSq(pts_[i]);
+        const Vector2d v = pts_[i] - a;
+        const double t = std::clamp(dot(v, d) * inverse, 0.0, 1.0);
+        const double dx = v.x - t * d.x, dy = v.y - t * d.y, d2 = dx * dx + dy * dy;
         if (d2 > worst2) worst2 = d2, worst = i;
     }
     return {worst2 <= tolerance2_, worst, {}, {}};
 }
 
 // Least squares for the two control arm lengths along the given tangents,
-// the points at their chord-length parameters (then Newton-refined ones).
+// on the sampled points at their chord-length parameters; then, while the
+// fit is near, Newton steps on the parameters and least squares again. A fit
+// of samples counts only once every point between them is near too. A
+// loop (both ends at one point) is split at half its length without trying.
 GR_BezierFitter::Attempt GR_BezierFitter::attemptCubic(const Segment &s) {
     const int n = s.last - s.first;
     const Point2d *p = pts_.data() + s.first;
-    const Vector2d t1 = s.startTangent, t2 = s.endTangent;
-    const double span = arc_[s.last] - arc_[s.first];
-    u_.resize(static_cast<size_t>(n) + 1);
-    for (int i = 1; i < n; ++i) u_[i] = (arc_[s.first + i] - arc_[s.first]) / span;
-
-    Point2d c[4] = {p[0], {}, {}, p[n]};
-    const double chord = p[0].GetDistance(p[n]);
-    const auto solve = [&] {
-        double c00 = 0, c01 = 0, c11 = 0, x0 = 0, x1 = 0;
-        for (int i = 1; i < n; ++i) {
-            const double u = u_[i], v = 1 - u;
-            const double b0 = v * v * v, b1 = 3 * v * v * u, b2 = 3 * v * u * u, b3 = u * u * u;
-            const Vector2d rest{p[i].x - (p[0].x * (b0 + b1) + p[n].x * (b2 + b3)),
-                                p[i].y - (p[0].y * (b0 + b1) + p[n].y * (b2 + b3))};
-            c00 += b1 * b1, c01 += b1 * b2, c11 += b2 * b2;
-            x0 += b1 * dot(rest, t1), x1 += b2 * dot(rest, t2);
-        }
-        c01 *= dot(t1, t2);
-        const double det = c00 * c11 - c01 * c01;
-        double a1 = 0, a2 = 0;
-        if (std::abs(det) > 1e-12 * c00 * c11) {
-            a1 = (x0 * c11 - x1 * c01) / det;
-            a2 = (c00 * x1 - c01 * x0) / det;
-        }
-        // Arms that point backwards, or reach past the length of the points
-        // they fit, make loops between the points: fall back to a third of
-        // the chord and let the error decide.
-        const double least = 1e-6 * chord;
-        if (!(a1 >= least && a2 >= least && a1 <= span && a2 <= span)) a1 = a2 = chord / 3;
-        c[1] = p[0] + a1 * t1;
-        c[2] = p[n] + a2 * t2;
-    };
-    int worst = s.first + 1;
-    const auto error = [&] {
-        double worst2 = -1;
-        for (int i = 1; i < n; ++i) {
-            const Point2d q = bezier(c, u_[i]);
-            const double d2 = (q.x - p[i].x) * (q.x - p[i].x) + (q.y - p[i].y) * (q.y - p[i].y);
-            if (d2 > worst2) worst2 = d2, worst = s.first + i;
-        }
-        return worst2;
-    };
-    solve();
-    double e = error();
-    for (int step = 0; step < kNewtonSteps && e > tolerance2_ && e <= 4 * tolerance2_; ++step) {
-        for (int i = 1; i < n; ++i) u_[i] = newtonStep(c, p[i], u_[i]);
-        solve();
-        e = error();
+    const double *arc = arc_.data() + s.first;
+    const double span = arc[n] - arc[0];
+    if (p[0] == p[n]) {
+        const auto half = std::lower_bound(arc_.begin() + s.first + 1, arc_.begin() + s.last - 1, arc[0] + span / 2);
+        return {false, static_cast<int>(half - arc_.begin()), {}, {}};
     }
-    return {e <= tolerance2_, worst, c[1], c[2]};
+    const int stride = std::max(1, n / kSamples);
+    u_.resize(static_cast<size_t>(n) + 1);
+    u_[0] = 0, u_[n] = 1;
+    for (int i = stride; i < n; i += stride) u_[i] = (arc[i] - arc[0]) / span;
+
+    Curve curve{p[0], {}, {}, p[n]};
+    for (int step = 0;; ++step) {
+        solveArms(s, stride, curve);
+        const bool refine = step < kNewtonSteps;
+        const Measure m = measure(s, stride, curve, refine);
+        if (m.worst2 <= tolerance2_) return stride == 1 ? Attempt{true, m.worst, curve.c1, curve.c2} : verify(s, stride, curve);
+        if (!refine || m.worst2 > 4 * tolerance2_) return {false, m.worst, curve.c1, curve.c2};
+    }
+}
+
+// The samples' fit on all points: the parameters between samples taken
+// along the path from theirs, then refined by Newton once.
+GR_BezierFitter::Attempt GR_BezierFitter::verify(const Segment &s, int stride, const Curve &curve) {
+    const int n = s.last - s.first;
+    const double *arc = arc_.data() + s.first;
+    for (int j = 0; j < n; j += stride) {
+        const int k = std::min(j + stride, n);
+        const double from = u_[j], scale = (u_[k] - from) / (arc[k] - arc[j]);
+        for (int i = j + 1; i < k; ++i) u_[i] = from + (arc[i] - arc[j]) * scale;
+    }
+    Measure m = measure(s, 1, curve, true);
+    if (m.worst2 > tolerance2_) m = measure(s, 1, curve, false);
+    return {m.worst2 <= tolerance2_, m.worst, curve.c1, curve.c2};
+}
+
+void GR_BezierFitter::solveArms(const Segment &s, int stride, Curve &curve) const {
+    const int n = s.last - s.first;
+    const Point2d *p = pts_.data() + s.first;
+    const Vector2d t1 = s.startTangent, t2 = s.endTangent;
+    double c00 = 0, c01 = 0, c11 = 0, x0 = 0, x1 = 0;
+    for (int i = stride; i < n; i += stride) {
+        const double u = u_[i], v = 1 - u;
+        const double b1 = 3 * v * v * u, b2 = 3 * v * u * u, head = v * v * (1 + 2 * u), tail = u * u * (3 - 2 * u);
+        const Vector2d rest{p[i].x - (p[0].x * head + p[n].x * tail), p[i].y - (p[0].y * head + p[n].y * tail)};
+        c00 += b1 * b1, c01 += b1 * b2, c11 += b2 * b2;
+        x0 += b1 * dot(rest, t1), x1 += b2 * dot(rest, t2);
+    }
+    c01 *= dot(t1, t2);
+    const double det = c00 * c11 - c01 * c01;
+    double a1 = 0, a2 = 0;
+    if (std::abs(det) > 1e-12 * c00 * c11) {
+        a1 = (x0 * c11 - x1 * c01) / det;
+        a2 = (c00 * x1 - c01 * x0) / det;
+    }
+    // Arms that point backwards, or reach past the length of the points they
+    // fit, make loops between the points: fall back to a third of the chord
+    // and let the error decide.
+    const double chord = distance(p[0], p[n]), span = arc_[s.last] - arc_[s.first];
+    if (!(a1 >= 1e-6 * chord && a2 >= 1e-6 * chord && a1 <= span && a2 <= span)) a1 = a2 = chord / 3;
+    curve.c1 = p[0] + a1 * t1;
+    curve.c2 = p[n] + a2 * t2;
+}
+
+// The largest distance of the sampled points from the curve, measured at
+// their parameters (a distance at any parameter bounds the distance to the
+// curve); with `refine`, each parameter also takes a Newton step towards the
+// curve's nearest point.
+GR_BezierFitter::Measure GR_BezierFitter::measure(const Segment &s, int stride, const Curve &c, bool refine) {
+    const int n = s.last - s.first;
+    const Point2d *p = pts_.data() + s.first;
+    // The cubic as a polynomial in u: k0 + k1 u + k2 u^2 + k3 u^3.
+    const Point2d &k0 = c.p0;
+    const Vector2d k1{3 * (c.c1.x - k0.x), 3 * (c.c1.y - k0.y)};
+    const Vector2d k2{3 * (c.c2.x - 2 * c.c1.x + k0.x), 3 * (c.c2.y - 2 * c.c1.y + k0.y)};
+    const Vector2d k3{c.p3.x - 3 * c.c2.x + 3 * c.c1.x - k0.x, c.p3.y - 3 * c.c2.y + 3 * c.c1.y - k0.y};
+    Measure m{-1, s.first + std::min(stride, n - 1)};
+    for (int i = stride; i < n; i += stride) {
+        const double u = u_[i];
+        const Vector2d off{((k3.x * u + k2.x) * u + k1.x) * u + k0.x - p[i].x,
+                           ((k3.y * u + k2.y) * u + k1.y) * u + k0.y - p[i].y};
+        const double d2 = dot(off, off);
+        if (d2 > m.worst2) m.worst2 = d2, m.worst = s.first + i;
+        if (!refine) continue;
+        const Vector2d d1{(3 * k3.x * u + 2 * k2.x) * u + k1.x, (3 * k3.y * u + 2 * k2.y) * u + k1.y};
+        const Vector2d dd{6 * k3.x * u + 2 * k2.x, 6 * k3.y * u + 2 * k2.y};
+        const double den = dot(d1, d1) + dot(off, dd);
+        if (den > 1e-12) u_[i] = std::clamp(u - dot(off, d1) / den, 0.0, 1.0);
+    }
+    return m;
 }
 
 // Unit direction of the path leaving pts_[from] towards pts_[limit], from the

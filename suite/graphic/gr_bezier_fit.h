@@ -55,6 +55,13 @@ private:
         Math::Vector2d endTangent;      // unit, back along the path at `last`
         Math::Point2d c1, c2;           // control points (cubics only)
     };
+    struct Curve {
+        Math::Point2d p0, c1, c2, p3;
+    };
+    struct Measure {
+        double worst2;  // squared
+        int worst;      // index into pts_
+    };
     struct Attempt {
         bool fits;
         int worst;  // the point farthest from the segment, where to split
@@ -68,6 +75,9 @@ private:
     Attempt attempt(const Segment &s);
     Attempt attemptCubic(const Segment &s);
     Attempt attemptLine(const Segment &s);
+    Attempt verify(const Segment &s, int stride, const Curve &curve);
+    void solveArms(const Segment &s, int stride, Curve &curve) const;
+    Measure measure(const Segment &s, int stride, const Curve &curve, bool refine);
     Math::Vector2d sideTangent(int from, int limit) const;
     Math::Vector2d centreTangent(int at, int low, int high) const;
     void writeTo(GR_BezierPath2d &out) const;
@@ -91,5 +101,5 @@ private:
     std::vector<uint8_t> corner_;
     std::vector<double> arc_;
     std::vector<double> u_;            // parameters of the points of one attempt
-    std::vector<Segment> stack_, piece_, done_;
+    std::vector<Segment> stack_, done_;
 };

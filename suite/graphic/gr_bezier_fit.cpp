@@ -168,12 +168,10 @@ void GR_BezierFitter::arrange() {
     size_t start = 0;
     if (closed_)
         start = static_cast<size_t>(std::find(rawCorner_.begin(), rawCorner_.end(), 1) - rawCorner_.begin()) % m;
-    pts_.clear();
-    corner_.clear();
-    for (size_t k = 0; k < m; ++k) {
-        pts_.push_back(raw_[(start + k) % m]);
-        corner_.push_back(rawCorner_[(start + k) % m]);
-    }
+    pts_.assign(raw_.begin() + static_cast<std::ptrdiff_t>(start), raw_.end());
+    pts_.insert(pts_.end(), raw_.begin(), raw_.begin() + static_cast<std::ptrdiff_t>(start));
+    corner_.assign(rawCorner_.begin() + static_cast<std::ptrdiff_t>(start), rawCorner_.end());
+    corner_.insert(corner_.end(), rawCorner_.begin(), rawCorner_.begin() + static_cast<std::ptrdiff_t>(start));
     if (closed_) {
         pts_.push_back(pts_.front());
         corner_.push_back(corner_.front());
@@ -287,8 +285,11 @@ GR_BezierFitter::Attempt GR_BezierFitter::verify(const Segment &s, int stride, c
         const double from = u_[j], scale = (u_[k] - from) / (arc[k] - arc[j]);
         for (int i = j + 1; i < k; ++i) u_[i] = from + (arc[i] - arc[j]) * scale;
     }
-    Measure m = measure(s, 1, curve, true);
-    if (m.worst2 > tolerance2_) m = measure(s, 1, curve, false);
+    Measure m = measure(s, 1, curve, false);
+    if (m.worst2 > tolerance2_ && m.worst2 <= 4 * tolerance2_) {
+        measure(s, 1, curve, true);
+        m = measure(s, 1, curve, false);
+    }
     return {m.worst2 <= tolerance2_, m.worst, curve.c1, curve.c2};
 }
 

@@ -350,7 +350,9 @@ GR_BezierFitter::Measure GR_BezierFitter::measure(const Segment &s, int stride, 
 }
 
 // Unit direction of the path leaving pts_[from] towards pts_[limit], from the
-// points within reach_ of it.
+// points within reach_ of it; along a straight run, the direction of the
+// line that best fits the longest stretch (doubling) that stays within half
+// the error of it, since the steps of a staircase can be longer than reach_.
 Vector2d GR_BezierFitter::sideTangent(int from, int limit) const {
     const int step = limit > from ? 1 : -1;
     Vector2d sum;
@@ -359,6 +361,30 @@ Vector2d GR_BezierFitter::sideTangent(int from, int limit) const {
         if (j == limit || std::abs(arc_[j] - arc_[from]) >= reach_) break;
     }
     if (sum.x == 0 && sum.y == 0) sum = pts_[limit] - pts_[from];
+    for (double stretch = 2 * reach_; from + step != limit; stretch *= 2) {
+        int to = from + step;
+        while (to != limit && std::abs(arc_[to] - arc_[from]) < stretch) to += step;
+        // The principal axis of the points from..to.
+        const int low = std::min(from, to), high = std::max(from, to);
+        double mx = 0, my = 0;
+        for (int j = low; j <= high; ++j) mx += pts_[j].x, my += pts_[j].y;
+        mx /= high - low + 1, my /= high - low + 1;
+        double sxx = 0, sxy = 0, syy = 0;
+        for (int j = low; j <= high; ++j) {
+            const double dx = pts_[j].x - mx, dy = pts_[j].y - my;
+            sxx += dx * dx, sxy += dx * dy, syy += dy * dy;
+        }
+        const double angle = 0.5 * std::atan2(2 * sxy, sxx - syy);
+        const Vector2d axis{std::cos(angle), std::sin(angle)};
+        double off2 = 0;
+        for (int j = low; j <= high; ++j) {
+            const double across = (pts_[j].x - mx) * axis.y - (pts_[j].y - my) * axis.x;
+            off2 = std::max(off2, across * across);
+        }
+        if (off2 * 4 > tolerance2_) break;
+        sum = dot(axis, pts_[to] - pts_[from]) < 0 ? -axis : axis;
+        if (to == limit) break;
+    }
     return unit(sum);
 }
 

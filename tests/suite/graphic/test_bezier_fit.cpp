@@ -14,20 +14,20 @@ using Math::Point2d;
 
 namespace {
 
-// The outline of the pixels whose centres lie in a circle of `radius`
-// pixels, as the edge follower traces it: counter-clockwise through the
-// midpoints of the pixel edges, scaled to world units, closed.
-std::vector<Point2d> tracedDisk(double radius, double unitsPerPixel) {
-    const int r = static_cast<int>(std::ceil(radius)) + 1;
-    const auto ink = [&](int x, int y) { return std::hypot(x + 0.5 - 0.3, y + 0.5 - 0.2) <= radius; };
+// The outline of the pixels within `r` of the origin whose centres are
+// `ink`, as the edge follower traces it: counter-clockwise through the
+// midpoints of the pixel edges, scaled to world units, closed. The shape must
+// be convex, so that no two ink pixels touch at a corner only.
+template <class Ink>
+std::vector<Point2d> traced(Ink ink, int r, double unitsPerPixel) {
     std::map<std::pair<int, int>, std::pair<int, int>> next;  // edge start to end, ink on the left
     for (int y = -r; y <= r; ++y)
         for (int x = -r; x <= r; ++x) {
-            if (!ink(x, y)) continue;
-            if (!ink(x, y - 1)) next[{x, y}] = {x + 1, y};
-            if (!ink(x + 1, y)) next[{x + 1, y}] = {x + 1, y + 1};
-            if (!ink(x, y + 1)) next[{x + 1, y + 1}] = {x, y + 1};
-            if (!ink(x - 1, y)) next[{x, y + 1}] = {x, y};
+            if (!ink(x + 0.5, y + 0.5)) continue;
+            if (!ink(x + 0.5, y - 0.5)) next[{x, y}] = {x + 1, y};
+            if (!ink(x + 1.5, y + 0.5)) next[{x + 1, y}] = {x + 1, y + 1};
+            if (!ink(x + 0.5, y + 1.5)) next[{x + 1, y + 1}] = {x, y + 1};
+            if (!ink(x - 0.5, y + 0.5)) next[{x, y + 1}] = {x, y};
         }
     std::vector<Point2d> points;
     const auto start = next.begin()->first;
@@ -39,6 +39,11 @@ std::vector<Point2d> tracedDisk(double radius, double unitsPerPixel) {
     } while (at != start);
     points.push_back(points.front());
     return points;
+}
+
+std::vector<Point2d> tracedDisk(double radius, double unitsPerPixel) {
+    const auto ink = [&](double x, double y) { return std::hypot(x - 0.3, y - 0.2) <= radius; };
+    return traced(ink, static_cast<int>(std::ceil(radius)) + 1, unitsPerPixel);
 }
 
 // A polygon through `corners` with a point every `step` units along its sides.
@@ -94,11 +99,18 @@ std::vector<Shape> shapes() {
     // A 12-field drawing is 5000 units and 12 inches wide: at 300 dpi a pixel
     // is about 1.39 units.
     const double px300 = 5000.0 / (12 * 300);
+    // Its sides are staircases whose steps are longer than the reach of the
+    // corner tangents.
+    const auto tilted = [](double x, double y) {
+        const double c = std::cos(0.3), s = std::sin(0.3);
+        return std::abs(x * c + y * s) <= 40 && std::abs(y * c - x * s) <= 25;
+    };
     return {
         {"circle r50 at 300 dpi", tracedDisk(50 / px300, px300), {}, true, 1.4, 8, 24},
         {"circle r50 at 600 dpi", tracedDisk(100 / px300, px300 / 2), {}, true, 1.4, 8, 24},
         // Ten pixels across, a traced dot is nearly an octagon.
         {"dot r5 px", tracedDisk(5, px300), {}, false, 1.4, 4, 10},
+        {"tilted rectangle of pixels", traced(tilted, 50, px300), {}, false, 1.4, 4, 6},
         {"square", sampled(square, 5), {square.begin(), square.end() - 1}, false, 1.0, 4, 4},
         {"L shape", sampled(ell, 5), {ell.begin(), ell.end() - 1}, false, 1.0, 6, 6},
         {"sliver", sampled(sliver, 5), {sliver.begin(), sliver.end() - 1}, false, 1.0, 3, 3},

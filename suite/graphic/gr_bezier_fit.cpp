@@ -227,6 +227,12 @@ GR_BezierFitter::Attempt GR_BezierFitter::attempt(const Segment &s) {
         const double third = distance(p0, p3) / 3;
         return {true, s.first, p0 + third * s.startTangent, p3 + third * s.endTangent};
     }
+    if (pts_[s.first] == pts_[s.last]) {
+        // A loop: no one segment makes it, however small; split at half its length.
+        const auto half = std::lower_bound(arc_.begin() + s.first + 1, arc_.begin() + s.last - 1,
+                                           (arc_[s.first] + arc_[s.last]) / 2);
+        return {false, static_cast<int>(half - arc_.begin()), {}, {}};
+    }
     return cubic_ ? attemptCubic(s) : attemptLine(s);
 }
 
@@ -249,17 +255,12 @@ GR_BezierFitter::Attempt GR_BezierFitter::attemptLine(const Segment &s) {
 // Least squares for the two control arm lengths along the given tangents,
 // on the sampled points at their chord-length parameters; then, while the
 // fit is near, Newton steps on the parameters and least squares again. A fit
-// of samples counts only once every point between them is near too. A
-// loop (both ends at one point) is split at half its length without trying.
+// of samples counts only once every point between them is near too.
 GR_BezierFitter::Attempt GR_BezierFitter::attemptCubic(const Segment &s) {
     const int n = s.last - s.first;
     const Point2d *p = pts_.data() + s.first;
     const double *arc = arc_.data() + s.first;
     const double span = arc[n] - arc[0];
-    if (p[0] == p[n]) {
-        const auto half = std::lower_bound(arc_.begin() + s.first + 1, arc_.begin() + s.last - 1, arc[0] + span / 2);
-        return {false, static_cast<int>(half - arc_.begin()), {}, {}};
-    }
     const int stride = std::max(1, n / kSamples);
     u_.resize(static_cast<size_t>(n) + 1);
     u_[0] = 0, u_[n] = 1;

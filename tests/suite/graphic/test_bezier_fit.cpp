@@ -164,6 +164,8 @@ TEST(BezierFitter, ZeroErrorKeepsEveryPointAndDegenerateInputComesBack) {
     EXPECT_EQ(fitter.Fit(GR_BezierPath2d({{5, 5}, {5, 5}}), {}), GR_BezierPath2d({{5, 5}}, 3));
     const GR_BezierPath2d back = fitter.Fit(GR_BezierPath2d({{0, 0}, {9, 0}, {9, 0}, {0, 0}}), {.degree = 1});
     EXPECT_EQ(back.points(), (std::vector<Point2d>{{0, 0}, {9, 0}, {0, 0}}));
+    // A loop within the error of one point is still a loop.
+    for (int degree : {1, 3}) EXPECT_TRUE(fitter.Fit(GR_BezierPath2d(tracedDisk(3, 1)), {.maxError = 10, .degree = degree}).isClosed());
 }
 
 TEST(BezierPathOperator, SmoothAveragesNeighboursAndKeepsEndsAndLoops) {

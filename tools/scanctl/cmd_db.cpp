@@ -11,7 +11,7 @@
 #include "suite/db/dba_path.h"
 #include "tools/scanctl/command.h"
 #include "tools/scanctl/db_subcommand.h"
-#include "tools/scanctl/open_database.h"
+#include "tools/queue_worker/open_database.h"
 #include "workflow/manual_list_syntax.h"
 
 namespace {

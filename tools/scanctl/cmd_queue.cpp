@@ -9,9 +9,9 @@
 
 #include "tools/scanctl/command.h"
 #include "tools/scanctl/db_subcommand.h"
-#include "tools/scanctl/open_database.h"
-#include "tools/scanctl/queue_entry_text.h"
-#include "tools/scanctl/queue_work.h"
+#include "tools/queue_worker/open_database.h"
+#include "tools/queue_worker/queue_entry_text.h"
+#include "tools/queue_worker/queue_worker.h"
 #include "workflow/manual_list_syntax.h"
 
 namespace {
@@ -179,6 +179,17 @@ int add(SqlDbAccess &db, const CommandWords &w) {
     return kDbStatusOk;
 }
 
+// Runs the program after "--" for each entry.
+int work(SqlDbAccess &db, const CommandWords &w) {
+    QString error;
+    const std::optional<QueueWorkerSettings> s = queue_worker_settings(w, error);
+    constexpr const char *kWorkGroup = "queue work";
+    if (!s) return report_failure(kWorkGroup, error, kDbStatusUsage);
+    if (w.rest.isEmpty()) return report_failure(kWorkGroup, QStringLiteral("no program after --"), kDbStatusUsage);
+    QueueEntryProgram program(kWorkGroup, w.rest);
+    return run_queue_worker(db, *s, program);
+}
+
 const QStringList kNoOptions;
 const QStringList kWorkerOptions{QStringLiteral("--worker"), QStringLiteral("--lease")};
 
@@ -195,7 +206,7 @@ int run_queue_command(const QStringList &args) {
          {QStringLiteral("--job"), QStringLiteral("--scene"), QStringLiteral("--element"), QStringLiteral("--drawings"),
           QStringLiteral("--options")},
          kNoOptions, add},
-        {"work", 0, 0, kWorkerOptions, {QStringLiteral("--until-empty")}, run_queue_work},
+        {"work", 0, 0, kWorkerOptions, {QStringLiteral("--until-empty")}, work},
     }};
     return run_db_subcommand(kGroup, kUsage, subcommands, args);
 }

@@ -16,7 +16,7 @@
 #include "suite/db/drawing_selection_data.h"
 #include "suite/db/sql_db_access.h"
 #include "tools/scanctl/command.h"
-#include "tools/scanctl/open_database.h"
+#include "tools/queue_worker/open_database.h"
 #include "tools/scanctl/scan_arguments.h"
 #include "workflow/config.h"
 #include "workflow/dbinfo.h"

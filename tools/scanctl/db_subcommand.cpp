@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "tools/scanctl/open_database.h"
+#include "tools/queue_worker/open_database.h"
 
 namespace {
 
@@ -38,7 +38,7 @@ int run_db_subcommand(const char *group, const char *usage, std::span<const DbSu
     if (n < sub->minArgs || (sub->maxArgs >= 0 && n > sub->maxArgs))
         return usage_error(group, usage, QStringLiteral("%1: wrong number of arguments").arg(args[0]));
 
-    std::unique_ptr<SqlDbAccess> db = open_scanctl_database(*words, error);
+    std::unique_ptr<SqlDbAccess> db = open_command_database(*words, error);
     if (!db) return report_failure(group, error, kDbStatusRefused);
     return sub->run(*db, *words);
 }

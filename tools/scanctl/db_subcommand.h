@@ -5,7 +5,7 @@
 
 #include <span>
 
-#include "tools/scanctl/command_words.h"
+#include "tools/queue_worker/command_words.h"
 
 class SqlDbAccess;
 

@@ -1,4 +1,4 @@
-#include "tools/scanctl/command_words.h"
+#include "tools/queue_worker/command_words.h"
 
 std::optional<CommandWords> split_command_words(const QStringList &args, const QStringList &valueOptions,
                                                 const QStringList &flagOptions, QString &error) {

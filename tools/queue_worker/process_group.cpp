@@ -1,4 +1,4 @@
-#include "tools/scanctl/process_group.h"
+#include "tools/queue_worker/process_group.h"
 
 #include <cerrno>
 #include <csignal>

@@ -1,5 +1,6 @@
-#include "tools/scanctl/open_database.h"
+#include "tools/queue_worker/open_database.h"
 
+#include <QCoreApplication>
 #include <QDir>
 
 #include <cstdio>
@@ -8,12 +9,12 @@
 
 QStringList database_value_options() { return {QStringLiteral("--db"), QStringLiteral("--env")}; }
 
-std::unique_ptr<SqlDbAccess> open_scanctl_database(const CommandWords &words, QString &error) {
+std::unique_ptr<SqlDbAccess> open_command_database(const CommandWords &words, QString &error) {
     const QString connection = DbConnectionSettings::choose(words.value(QStringLiteral("--db")));
     DbConnectionSettings settings;
     if (!DbConnectionSettings::parse(connection, settings, &error)) return nullptr;
     auto db = std::make_unique<SqlDbAccess>(connection);
-    db->dba_Initialize2dSystem(QStringLiteral("scanctl"));
+    db->dba_Initialize2dSystem(QCoreApplication::applicationName());
     if (db->dba_Open2dDatabaseSession() != 0) {
         error = QStringLiteral("can't open the database %1: %2").arg(settings.describe(), db->lastError());
         return nullptr;
@@ -64,6 +65,7 @@ QString element_folder(const dba_scene_struct &scene, const LMV_element_data &el
 }
 
 int report_failure(const char *group, const QString &text, int status) {
-    std::fprintf(stderr, "scanctl %s: %s\n", group, text.toLocal8Bit().constData());
+    std::fprintf(stderr, "%s %s: %s\n", QCoreApplication::applicationName().toLocal8Bit().constData(), group,
+                 text.toLocal8Bit().constData());
     return status;
 }

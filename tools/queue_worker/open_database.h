@@ -1,7 +1,8 @@
 #pragma once
-// What the database commands share: the exit statuses, the options every one
-// of them takes, opening the session and finding a job, scene and element by
-// their names.
+// What the database commands of scanctl and pix2vec share: the exit
+// statuses, the options every one of them takes, opening the session and
+// finding a job, scene and element by their names. Messages are signed with
+// the program's name (QCoreApplication::applicationName()).
 #include <QString>
 #include <QStringList>
 
@@ -9,9 +10,9 @@
 #include <optional>
 
 #include "suite/db/sql_db_access.h"
-#include "tools/scanctl/command_words.h"
+#include "tools/queue_worker/command_words.h"
 
-enum ScanctlDbStatus {
+enum DbCommandStatus {
     kDbStatusOk = 0,
     kDbStatusUsage = 1,       // wrong words or values
     kDbStatusRefused = 2,     // the database can't be opened or refuses: unknown names, duplicates
@@ -21,10 +22,10 @@ enum ScanctlDbStatus {
 // "--db URL" and "--env NAME".
 QStringList database_value_options();
 
-// Opens the session on --db, else $SCAN_DB, else the embedded database, and
+// Opens the program's session on --db, else $SCAN_DB, else the embedded database, and
 // selects the environment of --env when given. Nothing, with `error`, when
 // the database can't be opened.
-std::unique_ptr<SqlDbAccess> open_scanctl_database(const CommandWords &words, QString &error);
+std::unique_ptr<SqlDbAccess> open_command_database(const CommandWords &words, QString &error);
 
 // A job, a scene of it and an element of that, as far as `names` goes.
 struct ProductionPath {
@@ -57,5 +58,5 @@ std::optional<T> checked(const SqlDbAccess &db, T rows, const QString &what, QSt
 // The folder of an element: its scene's folder and the element's path.
 QString element_folder(const dba_scene_struct &scene, const LMV_element_data &element);
 
-// Prints "scanctl GROUP: TEXT" on standard error and gives back `status`.
+// Prints "PROGRAM GROUP: TEXT" on standard error and gives back `status`.
 int report_failure(const char *group, const QString &text, int status);

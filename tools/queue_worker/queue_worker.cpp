@@ -1,4 +1,4 @@
-// scanctl queue work: takes entries one at a time and runs a program for
+// The queue worker: takes entries one at a time and runs a program for
 // each, with the entry in its environment.
 //
 // An entry runs once while its worker lives. The lease is renewed at every
@@ -9,24 +9,22 @@
 // connection is opened again with back-off, and the entry is given up only
 // when the database says another worker holds it. The program leads a
 // process group of its own, which ends with it and with its worker.
+#include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QProcessEnvironment>
-#include <QTextStream>
 #include <QThread>
 
 #include <algorithm>
 #include <cstdio>
 #include <functional>
 
-#include "tools/scanctl/open_database.h"
-#include "tools/scanctl/process_group.h"
-#include "tools/scanctl/queue_entry_text.h"
-#include "tools/scanctl/queue_work.h"
+#include "tools/queue_worker/open_database.h"
+#include "tools/queue_worker/process_group.h"
+#include "tools/queue_worker/queue_entry_text.h"
+#include "tools/queue_worker/queue_worker.h"
 
 namespace {
 
-constexpr const char *kGroup = "queue work";
 constexpr int kMinLeaseSeconds = 2;
 constexpr int kMaxLeaseSeconds = 7 * 24 * 3600;
 constexpr int kFirstBackOffMs = 250;
@@ -35,20 +33,17 @@ constexpr int kLastBackOffMs = 5000;
 // How a call to the database ended once it was tried as often as it takes.
 enum class Answer { Ok, NotHeld, Failed };
 
-// The worker's news on standard error.
-void note(const QString &text) { std::fprintf(stderr, "scanctl %s: %s\n", kGroup, text.toLocal8Bit().constData()); }
-
 class Worker {
 public:
-    Worker(SqlDbAccess &db, const QueueWorkerSettings &s, const QStringList &command)
-        : db_(db), s_(s), command_(command), out_(stdout) {
+    Worker(SqlDbAccess &db, const QueueWorkerSettings &s, QueueEntryProgram &program)
+        : db_(db), s_(s), program_(program), command_(program.command()), out_(stdout) {
         clock_.start();
         db_.setLockWait(leaseMs() / 4);
     }
 
     int run() {
         if (!guard_.ok())
-            return report_failure(kGroup, QStringLiteral("can't start the guard of the programs' processes"),
+            return report_failure(program_.group(), QStringLiteral("can't start the guard of the programs' processes"),
                                   kDbStatusRefused);
         int taken = 0, unfinished = 0;
         do {
@@ -61,17 +56,23 @@ public:
             if (!e) break;
             ++taken;
             leaseFrom_ = attemptStart_;
-            out_ << "taken: " << queue_entry_line(*e) << "\n";
+            program_.taken(out_, *e);
             out_.flush();
             const std::optional<bool> done = work(*e);
             if (!done) return kDbStatusRefused;
             unfinished += !*done;
         } while (s_.untilEmpty);
-        if (taken == 0) return report_failure(kGroup, QStringLiteral("nothing to take"), kDbStatusQueueEmpty);
+        if (taken == 0) return report_failure(program_.group(), QStringLiteral("nothing to take"), kDbStatusQueueEmpty);
         return unfinished == 0 ? kDbStatusOk : kDbStatusRefused;
     }
 
 private:
+    // The worker's news on standard error.
+    void note(const QString &text) const {
+        std::fprintf(stderr, "%s %s: %s\n", QCoreApplication::applicationName().toLocal8Bit().constData(),
+                     program_.group(), text.toLocal8Bit().constData());
+    }
+
     int leaseMs() const { return s_.leaseSeconds * 1000; }
 
     // Tries `attempt` (true when answered) until it is answered: again at
@@ -106,7 +107,7 @@ private:
 
     // Reports a database failure that ends the worker.
     int failed(const QString &what) {
-        return report_failure(kGroup, QStringLiteral("%1: %2").arg(what, db_.lastError()), kDbStatusRefused);
+        return report_failure(program_.group(), QStringLiteral("%1: %2").arg(what, db_.lastError()), kDbStatusRefused);
     }
 
     // Renews the lease when a third of it has gone since the last renewal began.
@@ -143,12 +144,12 @@ private:
         p.setProcessEnvironment(entryEnvironment(e, a));
         if (a == Answer::Ok) a = keepLease(e);
         if (a != Answer::Ok) return lostOrFailed(e, a);
-        p.setProcessChannelMode(QProcess::ForwardedOutputChannel);
+        if (program_.forwardsOutput()) p.setProcessChannelMode(QProcess::ForwardedOutputChannel);
         p.setChildProcessModifier(guard_.childSetUp());
         p.start(command_[0], command_.mid(1));
         if (!p.waitForStarted()) {
             guard_.forget();
-            return record(e, QStringLiteral("can't start %1: %2").arg(command_[0], p.errorString()));
+            return record(e, QStringLiteral("can't start %1: %2").arg(command_[0], p.errorString()), {});
         }
         const pid_t group = pid_t(p.processId());
         for (;;) {
@@ -161,25 +162,26 @@ private:
         p.waitForFinished();
         guard_.forget();
         if (a != Answer::Ok) return lostOrFailed(e, a);
-        if (p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0) return record(e, QString());
-        QString message = p.exitStatus() == QProcess::NormalExit
-                              ? QStringLiteral("%1 exited with status %2").arg(command_[0], QString::number(p.exitCode()))
-                              : QStringLiteral("%1 crashed").arg(command_[0]);
+        const QByteArray output = program_.forwardsOutput() ? QByteArray() : p.readAllStandardOutput();
+        if (p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0) {
+            if ((a = keepLease(e)) == Answer::Ok) a = call([&] { return program_.recordDone(db_, e); });
+            if (a != Answer::Ok) return lostOrFailed(e, a);
+            return record(e, QString(), output);
+        }
         const QStringList errors =
             QString::fromLocal8Bit(p.readAllStandardError()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-        if (!errors.isEmpty()) message += QStringLiteral(": ") + errors.last();
-        return record(e, message);
+        return record(e, program_.failure(p.exitStatus(), p.exitCode(), errors.isEmpty() ? QString() : errors.last()),
+                      output);
     }
 
     // Records done (no message) or failed; the lease holds until it is recorded.
-    std::optional<bool> record(const dba_queueEntry_struct &e, const QString &message) {
+    std::optional<bool> record(const dba_queueEntry_struct &e, const QString &message, const QByteArray &output) {
         const Answer a = call([&] {
             return (message.isEmpty() ? db_.finishQueueEntry(e.id, s_.worker)
                                       : db_.failQueueEntry(e.id, message, s_.worker)) == 0;
         });
         if (a != Answer::Ok) return lostOrFailed(e, a);
-        if (message.isEmpty()) out_ << "done: " << e.id << "\n";
-        else out_ << "failed: " << e.id << ": " << message << "\n";
+        program_.finished(out_, e, message, output);
         out_.flush();
         return message.isEmpty();
     }
@@ -189,13 +191,14 @@ private:
             failed(QStringLiteral("can't keep entry %1 in %2").arg(QString::number(e.id), db_.description()));
             return std::nullopt;
         }
-        out_ << "failed: " << e.id << ": entry " << e.id << " was no longer ours\n";
+        program_.finished(out_, e, QStringLiteral("entry %1 was no longer ours").arg(e.id), {});
         out_.flush();
         return false;
     }
 
     SqlDbAccess &db_;
     const QueueWorkerSettings &s_;
+    QueueEntryProgram &program_;
     const QStringList &command_;
     QTextStream out_;
     ProcessGroupGuard guard_;
@@ -232,10 +235,26 @@ std::optional<QueueWorkerSettings> queue_worker_settings(const CommandWords &w, 
     return s;
 }
 
-int run_queue_work(SqlDbAccess &db, const CommandWords &w) {
-    QString error;
-    const std::optional<QueueWorkerSettings> s = queue_worker_settings(w, error);
-    if (!s) return report_failure(kGroup, error, kDbStatusUsage);
-    if (w.rest.isEmpty()) return report_failure(kGroup, QStringLiteral("no program after --"), kDbStatusUsage);
-    return Worker(db, *s, w.rest).run();
+void QueueEntryProgram::taken(QTextStream &out, const dba_queueEntry_struct &e) {
+    out << "taken: " << queue_entry_line(e) << "\n";
+}
+
+QString QueueEntryProgram::failure(QProcess::ExitStatus status, int exitCode, const QString &lastError) const {
+    QString message = status == QProcess::NormalExit
+                          ? QStringLiteral("%1 exited with status %2").arg(command_[0], QString::number(exitCode))
+                          : QStringLiteral("%1 crashed").arg(command_[0]);
+    if (!lastError.isEmpty()) message += QStringLiteral(": ") + lastError;
+    return message;
+}
+
+bool QueueEntryProgram::recordDone(SqlDbAccess &, const dba_queueEntry_struct &) { return true; }
+
+void QueueEntryProgram::finished(QTextStream &out, const dba_queueEntry_struct &e, const QString &message,
+                                 const QByteArray &) {
+    if (message.isEmpty()) out << "done: " << e.id << "\n";
+    else out << "failed: " << e.id << ": " << message << "\n";
+}
+
+int run_queue_worker(SqlDbAccess &db, const QueueWorkerSettings &settings, QueueEntryProgram &program) {
+    return Worker(db, settings, program).run();
 }

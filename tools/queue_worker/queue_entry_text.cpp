@@ -1,4 +1,4 @@
-#include "tools/scanctl/queue_entry_text.h"
+#include "tools/queue_worker/queue_entry_text.h"
 
 #include <QDateTime>
 #include <QStringList>

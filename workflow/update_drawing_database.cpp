@@ -89,7 +89,7 @@ int32_t UpdateDrawingDatabase(ScanConfig *config) {
     const dba_scene_struct *scene = db->openScene();
 
     // Whether the cel took the mark is the database's business.
-    db->dba_ProcessedCels(scene, binding->element_name, elementId, QStringList{drawing}, 1, 0);
+    db->dba_ProcessedCels(scene, binding->element_name, elementId, QStringList{drawing}, DBA_CEL_SCANNED, 0);
 
     if (!binding->needs_vectorization) {
         LMV_trace("Vectorize not needed.\n");

@@ -71,6 +71,14 @@ struct LMV_element_data {
     int pixelShape = 1;
 };
 
+// How far a cel has come (its processed stage). The station marks a scanned
+// drawing with stage 1; the vectorize worker marks the drawing whose vector
+// drawing it wrote with stage 2. Status 0 is success, the only one sent.
+enum dba_celStage {
+    DBA_CEL_SCANNED = 1,
+    DBA_CEL_VECTORIZED = 2,
+};
+
 // One cel of an element. A cel that has versions is known by its name with
 // the suffix of the current version appended.
 struct dba_cel_struct {

@@ -85,6 +85,7 @@ public:
     int exposeDrawings(qint64 elementId, const QStringList &drawings) override;
     std::optional<dba_cel_struct> createCel(qint64 elementId, const QString &name, const QString &suffix,
                                             int versionCount) override;
+    int markCelStage(qint64 elementId, const QString &drawing, int stage, int status) override;
     std::vector<dba_job_struct> jobs() override;
     std::vector<dba_scene_struct> scenes(qint64 jobId) override;
     std::vector<LMV_element_data> elements(qint32 sceneId) override;

@@ -111,6 +111,34 @@ std::optional<dba_cel_struct> SqlDbAccess::createCel(qint64 elementId, const QSt
         });
 }
 
+int SqlDbAccess::markCelStage(qint64 elementId, const QString &drawing, int stage, int status) {
+    if (!d->ready()) return -1;
+    DbTransaction tx(*d->session);
+    if (!tx.ok()) return d->failSession(), -1;
+    QSqlQuery q = d->query();
+    if (!d->exec(q, QStringLiteral("SELECT scene_id FROM elements WHERE id = ?"), {elementId})) return -1;
+    const std::optional<bool> found = d->firstRow(q);
+    if (!found) return -1;
+    if (!*found) return d->fail(QStringLiteral("no element with id %1").arg(elementId)), -1;
+    const qint64 sceneId = q.value(0).toLongLong();
+    std::optional<qint64> celId;
+    if (!d->exec(q, sql(kCelSelect, "WHERE element_id = ? ORDER BY id"), {elementId})) return -1;
+    while (!celId && q.next())
+        if (const dba_cel_struct cel = readCel(q); cel.drawingName() == drawing) celId = cel.id;
+    if (!celId && !d->rowsEnded(q)) return -1;
+    const bool ok =
+        celId ? d->exec(q, QStringLiteral("UPDATE cels SET processed_stage = ?, processed_status = ? WHERE id = ?"),
+                        {stage, status, *celId})
+              : d->exec(q,
+                        QStringLiteral("INSERT INTO cels (element_id, name, suffix, processed_stage, processed_status) "
+                                       "VALUES (?, ?, '', ?, ?)"),
+                        {elementId, drawing, stage, status});
+    // The drawing selectors of other sessions read the scene again.
+    if (!ok || !d->exec(q, QStringLiteral("UPDATE scenes SET version = version + 1 WHERE id = ?"), {sceneId})) return -1;
+    q.finish();
+    return tx.commit() ? 0 : (d->failSession(), -1);
+}
+
 std::vector<dba_job_struct> SqlDbAccess::jobs() {
     return d->listing<dba_job_struct>(sql(kJobSelect, "WHERE j.environment_id = ? ORDER BY j.name"), {d->envId},
                                       readJob);

@@ -45,6 +45,10 @@ public:
     // Adds a cel by hand (a drawing with versions, or one drawn elsewhere).
     virtual std::optional<dba_cel_struct> createCel(qint64 elementId, const QString &name, const QString &suffix,
                                                     int versionCount) = 0;
+    // Records the stage and status (dba_celStage) of the cel that the drawing
+    // names, without counting a scan as dba_ProcessedCels does; a drawing with
+    // no cel yet gets one.
+    virtual int markCelStage(qint64 elementId, const QString &drawing, int stage, int status) = 0;
 
     // --- Listing ---
     virtual std::vector<dba_job_struct> jobs() = 0;  // of the current environment, by name

@@ -3,7 +3,7 @@
 # sample: a sample Scan.conf for this machine with the test scanner and a
 # sample production database. With a display the station's window opens on
 # them; without one, a headless scan of twelve drawings of its element runs,
-# which then wait on the vectorize queue.
+# and a vectorize worker then empties the queue into vector drawings.
 set -euo pipefail
 cd "$(dirname "$0")"
 scripts/install-deps.sh
@@ -52,6 +52,16 @@ $scanctl scan --db "$db" --conf "$etc/Scan.conf" --scanner "Test Scanner" --dpi 
   --feed autofeed --on-register-failure retry --scaninfo-files \
   --job Sample --scene sc01 --element Anim --drawings "1:12" >/dev/null || status=$?
 echo "The scan files are in $sample/sc01/Anim; '$scanctl info $sample/sc01/Anim/Anim-1.tif' shows one."
+
+# A vectorize worker takes the queued drawings one at a time and writes each
+# drawing's vector drawing beside its scan, as a drawing file and as SVG.
+echo "== Vectorizing the queue with a worker =="
+worker=0
+build/bin/pix2vec --worker run --db "$db" --until-empty --svg || worker=$?
+[ $worker -eq 3 ] || [ $worker -eq 0 ] || status=$worker  # 3: nothing was queued
 echo "== The vectorize queue =="
 $scanctl queue list --db "$db" || status=$?
+echo "The vector drawings are beside their scans: $sample/sc01/Anim/Anim-N.kwg," \
+  "which 'build/bin/pix2vec --info $sample/sc01/Anim/Anim-1.kwg' shows," \
+  "and $sample/sc01/Anim/Anim-N.svg, which any browser shows."
 exit $status

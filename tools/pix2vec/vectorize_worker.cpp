@@ -43,7 +43,8 @@ QString env(const QProcessEnvironment &e, const char *name) { return e.value(QLa
 QString scanFileOf(const QString &folder, const QString &element, const QString &drawing) {
     const QString stem = QStringLiteral("%1/%2-%3.").arg(folder, element, drawing);
     QStringList candidates;
-    for (const TUPixmapFormat &f : TUPixmapFormatList(7).formats())
+    const TUPixmapFormatList formats(7);
+    for (const TUPixmapFormat &f : formats.formats())
         if (!candidates.contains(stem + QLatin1String(f.extension))) candidates << stem + QLatin1String(f.extension);
     for (const QString &path : candidates)
         if (QFileInfo(path).isFile()) return path;
@@ -66,7 +67,10 @@ int vectorizeQueueEntry(bool svg) {
     }
     TUPix2vecOptions options;
     currentVectorizeOptions() = &options;
-    if (!options.parseOptionLine(env(e, "SCAN_OPTIONS"), false)) {
+    // The entry's line carries the station's style whole: this machine's
+    // default style has no say. A style may keep a stroke thickness.
+    options.resetDefaults();
+    if (!options.parseOptionLine(env(e, "SCAN_OPTIONS"), true)) {
         err << options.lastError.trimmed() << '\n';
         return 1;
     }

@@ -136,7 +136,9 @@ int SqlDbAccess::markCelStage(qint64 elementId, const QString &drawing, int stag
     // The drawing selectors of other sessions read the scene again.
     if (!ok || !d->exec(q, QStringLiteral("UPDATE scenes SET version = version + 1 WHERE id = ?"), {sceneId})) return -1;
     q.finish();
-    return tx.commit() ? 0 : (d->failSession(), -1);
+    if (!tx.commit()) return d->failSession(), -1;
+    if (d->scene && d->scene->id == sceneId) d->refreshScene();
+    return 0;
 }
 
 std::vector<dba_job_struct> SqlDbAccess::jobs() {

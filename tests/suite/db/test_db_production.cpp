@@ -91,7 +91,7 @@ TEST_P(DbProduction, SelectorShowsExposedCelsWithSuffixesAndScanCounts) {
     EXPECT_EQ(db_->exposeDrawings(element.id, {"13"}), 1);
 }
 
-TEST_P(DbProduction, ProcessedCelsCountsScansAndRecordsNewDrawings) {
+TEST_P(DbProduction, ProcessedCelsCountsScansAndRecordsNewDrawingsAStageMarkDoesNot) {
     const LMV_element_data element = makeElement();
     ASSERT_EQ(db_->selectJob(QStringLiteral("J")), 0);
     ASSERT_EQ(db_->selectScene(QStringLiteral("S")), 0);
@@ -107,8 +107,17 @@ TEST_P(DbProduction, ProcessedCelsCountsScansAndRecordsNewDrawings) {
     EXPECT_EQ(std::tuple(cels[0].scanCount, cels[0].processedStage, cels[0].processedStatus), std::tuple(2, 3, 2));
     EXPECT_EQ(cels[1].scanCount, 0);
     EXPECT_EQ(std::tuple(cels[2].name, cels[2].scanCount, cels[2].processedStage), std::tuple(QStringLiteral("new"), 1, 1));
+    // A vectorized drawing is no new scan.
+    ASSERT_EQ(db_->markCelStage(element.id, QStringLiteral("new"), DBA_CEL_VECTORIZED, 0), 0);
+    ASSERT_EQ(db_->markCelStage(element.id, QStringLiteral("late"), DBA_CEL_VECTORIZED, 0), 0);
+    EXPECT_EQ(db_->markCelStage(element.id + 100, QStringLiteral("1"), DBA_CEL_VECTORIZED, 0), -1);
+    const auto marked = db_->cels(element.id);
+    ASSERT_EQ(marked.size(), 4u);
+    EXPECT_EQ(std::tuple(marked[2].scanCount, marked[2].processedStage), std::tuple(1, int(DBA_CEL_VECTORIZED)));
+    EXPECT_EQ(std::tuple(marked[3].name, marked[3].scanCount, marked[3].processedStage),
+              std::tuple(QStringLiteral("late"), 0, int(DBA_CEL_VECTORIZED)));
     // Each change of the scene's cels is a new scene version, seen by the open scene too.
-    EXPECT_EQ(db_->openScene()->version, version + 2);
+    EXPECT_EQ(db_->openScene()->version, version + 4);
     // Another session sees the counts at once.
     auto other = open();
     ASSERT_TRUE(other);

@@ -32,11 +32,8 @@ protected:
     QMap<QString, int> stages() const {
         QMap<QString, int> stage;
         std::unique_ptr<SqlDbAccess> db = openDirectly();
-        const auto job = db ? db->findJob("J") : std::nullopt;
-        const auto scene = job ? db->findScene(job->id, "S") : std::nullopt;
-        const auto e = scene ? db->findElement(scene->id, "E") : std::nullopt;
-        if (e)
-            for (const dba_cel_struct &cel : db->cels(e->id)) stage[cel.drawingName()] = cel.processedStage;
+        for (const dba_cel_struct &cel : db->cels(db->queueEntries().at(0).elementId))
+            stage[cel.drawingName()] = cel.processedStage;
         return stage;
     }
 };

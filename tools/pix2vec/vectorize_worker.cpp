@@ -106,11 +106,7 @@ public:
     QString failure(QProcess::ExitStatus status, int exitCode, const QString &lastError) const override {
         // pix2vec's own message is the reason; anything else is told as it happened.
         if (status == QProcess::NormalExit && exitCode == 1 && !lastError.isEmpty()) return lastError;
-        QString message = status == QProcess::NormalExit
-                              ? QStringLiteral("pix2vec exited with status %1").arg(exitCode)
-                              : QStringLiteral("pix2vec crashed");
-        if (!lastError.isEmpty()) message += QStringLiteral(": ") + lastError;
-        return message;
+        return QueueEntryProgram::failure(status, exitCode, lastError);
     }
 
     bool recordDone(SqlDbAccess &db, const dba_queueEntry_struct &e) override {

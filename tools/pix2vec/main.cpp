@@ -1,7 +1,8 @@
-// pix2vec: vectorizes a picture into a vector drawing, or prints what a
-// drawing file holds.
+// pix2vec: vectorizes a picture into a vector drawing, prints what a drawing
+// file holds, or works the vectorize queue.
 //   pix2vec [options] -file IN -outfile OUT.kwg|OUT.svg|OUT.png
 //   pix2vec --info FILE.kwg
+//   pix2vec --worker NAME [--db URL] [--env NAME] [--lease SECONDS] [--until-empty] [--svg]
 #include <QCoreApplication>
 #include <QTextStream>
 
@@ -10,6 +11,7 @@
 #include "suite/base/whoami.h"
 #include "tools/pix2vec/drawing_info.h"
 #include "tools/pix2vec/vectorize_file.h"
+#include "tools/pix2vec/vectorize_worker.h"
 #include "vectorize/pix2vec_options.h"
 
 namespace {
@@ -51,5 +53,6 @@ int main(int argc, char **argv) {
         }
         return printDrawingInfo(args[2], out, err) ? 0 : 1;
     }
+    if (args.size() >= 2 && args[1] == QLatin1String("--worker")) return runVectorizeWorker(args.mid(1));
     return vectorizeCommand(args);
 }

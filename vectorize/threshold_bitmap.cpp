@@ -72,6 +72,8 @@ void thresholdSpan(const uint8_t *src, uint8_t *mask, int x0, int x1, int level)
         // v > level exactly when max(v, level) differs from level.
         const __m128i notAbove = _mm_cmpeq_epi8(_mm_max_epu8(v, limit), limit);
         const unsigned bits = ~unsigned(_mm_movemask_epi8(notAbove)) & 0xffffu;
+        // Paper writes nothing, so the mask of a white page stays unwritten.
+        if (bits == 0) continue;
         mask[x >> 3] |= kReversed[bits & 0xff];
         mask[(x >> 3) + 1] |= kReversed[bits >> 8];
     }

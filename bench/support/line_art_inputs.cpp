@@ -144,18 +144,17 @@ struct PotraceState {
 };
 
 // The line art of a bitmap in a fresh composite drawing, world units.
-std::unique_ptr<GR_CompositeVectorDrawingObj> ourLineArt(const BM_GreyMap &bitmap) {
+std::unique_ptr<GR_CompositeVectorDrawingObj> ourLineArt(std::unique_ptr<BM_GreyMap> work) {
     static TUPix2vecOptions options;
     currentVectorizeOptions() = &options;
     auto drawing = std::make_unique<GR_CompositeVectorDrawingObj>();
     GR_ColorDict dict(drawing->paletteInfo());
     GR_DrawingAccess access(dict);
     access.SetCurrentDrawing(&drawing->lineArt());
-    const PegInfo info(false, 0, false, QString(), QStringLiteral("page"), false, uint16_t(bitmap.width()),
-                       uint16_t(bitmap.height()), {0, 0, 0, 0}, true, 1.0, 12.0, options);
+    const PegInfo info(false, 0, false, QString(), QStringLiteral("page"), false, uint16_t(work->width()),
+                       uint16_t(work->height()), {0, 0, 0, 0}, true, 1.0, 12.0, options);
     Math::Matrix2x3 matrix;
     matrix.Scale(kUnitsPerPixel, kUnitsPerPixel);
-    auto work = std::make_unique<BM_GreyMap>(bitmap);
     VectorizeColorKey key;
     ComputeLineArt(access, work, options.thresh, options.texture, options.downscale_texture, matrix, options.rmv_holes,
                    options.rmv_dirt, info, options.jag_filterl, options.expand_bitmapl, false, options.first_smoothl,
@@ -192,7 +191,7 @@ Traced tracePotrace(const BM_GreyMap &bitmap) {
 }
 
 Traced traceOurs(const BM_GreyMap &bitmap) {
-    const auto drawing = ourLineArt(bitmap);
+    const auto drawing = ourLineArt(std::make_unique<BM_GreyMap>(bitmap));
     Traced traced;
     traced.outlines.setFillRule(Qt::OddEvenFill);
     // World to pixels with rows down: the line art maps row r to h - r.
@@ -222,7 +221,7 @@ void runPotrace(const BM_GreyMap &bitmap) {
     const PotraceState run(pb.bm);
 }
 
-void runOurs(const BM_GreyMap &bitmap) { ourLineArt(bitmap); }
+void runOurs(std::unique_ptr<BM_GreyMap> bitmap) { ourLineArt(std::move(bitmap)); }
 
 Fidelity compare(const Traced &traced, const BM_GreyMap &bitmap) {
     const int w = bitmap.width(), h = bitmap.height();

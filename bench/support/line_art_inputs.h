@@ -5,6 +5,7 @@
 // the comparison of a traced result with that bitmap.
 #include <QPainterPath>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -43,9 +44,12 @@ Traced tracePotrace(const BM_GreyMap &bitmap);
 // through a 300-dpi 12-field matrix and back to pixels.
 Traced traceOurs(const BM_GreyMap &bitmap);
 
-// The work alone, for timing: the result is dropped.
+// The work alone, for timing and memory: the result is dropped. Our line
+// art changes its bitmap (as the vectorizer hands it over), so it takes a
+// copy that the caller makes; potrace's conversion to its own bitmap is part
+// of its work.
 void runPotrace(const BM_GreyMap &bitmap);
-void runOurs(const BM_GreyMap &bitmap);
+void runOurs(std::unique_ptr<BM_GreyMap> bitmap);
 
 struct Fidelity {
     long differing = 0;      // pixels whose ink differs from the bitmap's

@@ -4,8 +4,39 @@
 // the top two bits; a 24-bit pixel is the bytes blue, green, red, read as the
 // number red << 16 | green << 8 | blue.
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
-#include <vector>
+#include <new>
+#include <utility>
+
+// Zeroed bytes from calloc: a large block comes as fresh pages that take no
+// memory until written, so a mostly white page costs what its ink does.
+class BM_Bytes {
+public:
+    BM_Bytes() = default;
+    explicit BM_Bytes(size_t size) : size_(size), data_(size ? static_cast<uint8_t *>(std::calloc(size, 1)) : nullptr) {
+        if (size && !data_) throw std::bad_alloc();
+    }
+    BM_Bytes(const BM_Bytes &o) : BM_Bytes(o.size_) {
+        if (size_) std::memcpy(data_, o.data_, size_);
+    }
+    BM_Bytes(BM_Bytes &&o) noexcept : size_(std::exchange(o.size_, 0)), data_(std::exchange(o.data_, nullptr)) {}
+    BM_Bytes &operator=(BM_Bytes o) noexcept {
+        std::swap(size_, o.size_);
+        std::swap(data_, o.data_);
+        return *this;
+    }
+    ~BM_Bytes() { std::free(data_); }
+
+    uint8_t *data() { return data_; }
+    const uint8_t *data() const { return data_; }
+    size_t size() const { return size_; }
+    bool empty() const { return size_ == 0; }
+
+private:
+    size_t size_ = 0;
+    uint8_t *data_ = nullptr;
+};
 
 struct BM_PixelBgr24 {
     static constexpr int kBits = 24;
@@ -46,7 +77,7 @@ public:
         }
         top_ = first_ > 0 ? first_ - 1 : 0;
         const int bottom = last_ < 0 ? -1 : (last_ + 1 < height_ ? last_ + 1 : last_);
-        data_.assign(static_cast<size_t>(stride_) * static_cast<size_t>(bottom - top_ + 1), 0);
+        data_ = BM_Bytes(static_cast<size_t>(stride_) * static_cast<size_t>(bottom - top_ + 1));
     }
     void clear() {
         if (!data_.empty()) std::memset(data_.data(), 0, data_.size());
@@ -99,7 +130,7 @@ private:
 
     int width_ = 0, height_ = 0, stride_ = 0;
     int first_ = 0, last_ = -1, top_ = 0;  // stored rows; row top_ is data_[0]
-    std::vector<uint8_t> data_;
+    BM_Bytes data_;
 };
 
 using BM_IndexMap = BM_PixelMap<BM_PixelBgr24>;

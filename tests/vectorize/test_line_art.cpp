@@ -148,6 +148,30 @@ TEST(ErodeBitmap, PeelsOneLayerAPass) {
     EXPECT_TRUE(mask.get(4, 3));
 }
 
+TEST(ExpandIndexBitmap, ColoursGrowOverBlackTakingTheLeftFirst) {
+    struct Case {
+        int rounds;
+        int coloured;  // non-black pixels after
+    } cases[] = {{0, 2}, {1, 9}, {-1, 21}, {20, 21}};
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.rounds);
+        // Two colours two pixels apart in the middle row of a 7 x 3 inner
+        // area, which a negative count fills as 15 rounds would; the frame
+        // of one pixel is never written.
+        BM_IndexMap map(9, 5);
+        map.set(3, 2, 0x0a0000);
+        map.set(5, 2, 0x00000b);
+        expandIndexBitmap(map, c.rounds);
+        int coloured = 0;
+        for (int y = 0; y < 5; ++y)
+            for (int x = 0; x < 9; ++x) coloured += map.get(x, y) != 0;
+        EXPECT_EQ(coloured, c.coloured);
+        if (c.rounds) {
+            EXPECT_EQ(map.get(4, 2), 0x0a0000u) << "between the two, the left one wins";
+        }
+    }
+}
+
 TEST(EdgeFollower, MonoJoinsInkAcrossDiagonalsAndClosesEveryLoop) {
     CColorList colors;
     colors.set(1, std::make_shared<const GR_Color>());

@@ -10,6 +10,8 @@
 // Newton reparametrization, splitting at the worst point (Schneider), with the
 // tangents at a split taken from both sides so that the joins are smooth;
 // merge neighbouring segments of a piece again where one segment fits both.
+// Long runs are judged on samples of their points; a segment is accepted
+// only once all of its points are checked.
 #include <cstdint>
 #include <numbers>
 #include <vector>
@@ -24,7 +26,7 @@ struct GR_FitOptions {
     static constexpr double kPencilCornerAngle = std::numbers::pi / 4;
 
     // Largest distance, in world units, from a point of the input to the
-    // result; each segment also keeps the root mean square distance of its
+    // result; each cubic also keeps the root mean square distance of its
     // points within 0.4 times this, so that it follows them rather than
     // running beside them. Zero or less keeps every point and only sets the
     // degree.
@@ -47,8 +49,8 @@ class GR_BezierFitter {
 public:
     // A degree-1 path in, a path of the options' degree out. A closed path
     // (first point == last) comes out closed, starting at a corner when it
-    // has one. A path of fewer than 2 distinct points comes back with only
-    // its degree changed.
+    // has one. A path of fewer than 2 distinct points comes back as its one
+    // point (or empty), with the degree set.
     GR_BezierPath2d Fit(const GR_BezierPath2d &path, const GR_FitOptions &options);
 
 private:

@@ -24,6 +24,10 @@ int vectorizeCommand(const QStringList &args) {
     QTextStream err(stderr);
     if (options.errors || args.size() <= 1) {
         if (!options.lastError.isEmpty()) err << options.lastError.trimmed() << '\n';
+        err << "usage: pix2vec [options] -file IN -outfile OUT.kwg|OUT.svg|OUT.png\n"
+               "       pix2vec --info FILE.kwg\n"
+               "       pix2vec --worker NAME [--db URL] [--env NAME] [--lease SECONDS] [--until-empty] [--svg]\n"
+               "       pix2vec -help [all|io|register|filter|rgb|color|bubble|4colours]\n";
         return 1;
     }
     if (options.file.isEmpty() || !isDrawingOutputPath(options.outfile)) {

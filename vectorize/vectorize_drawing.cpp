@@ -11,6 +11,7 @@
 #include "suite/graphic/gr_drawing_access.h"
 #include "suite/graphic/gr_drawing_toolbox.h"
 #include "vectorize/compute_line_art.h"
+#include "vectorize/optimize_texture.h"
 #include "vectorize/peg_info.h"
 #include "vectorize/pix2vec_options.h"
 #include "vectorize/vectorize_trace.h"
@@ -154,7 +155,7 @@ std::unique_ptr<GR_CompositeVectorDrawingObj> VectorizeDrawing(TUPix2vecOptions 
                                                                const QString &textureName,
                                                                Math::Matrix2x3 &matrixOut,
                                                                std::unique_ptr<GR_CompositeVectorDrawingObj> drawing) {
-    static bool saidNoColourArt = false, saidTextureWhole = false;
+    static bool saidNoColourArt = false;
     options.registrationFailed = false;
     if (!unavailableVectorizeStage(options).isEmpty()) return nullptr;
 
@@ -263,10 +264,7 @@ std::unique_ptr<GR_CompositeVectorDrawingObj> VectorizeDrawing(TUPix2vecOptions 
 
     // 28. Texture.
     vectorizeTrace("Optimize texture...%p\n", static_cast<const void *>(texture.get()));
-    if (options.texture && texture)
-        warnOnce(saidTextureWhole,
-                 QT_TRANSLATE_NOOP("VectorizeDrawing",
-                                   "Texture cropping is not available yet: the texture is kept whole."));
+    if (options.texture && texture) optimizeTexture(access, texture, options.texture_optimization);
     if (options.output_peg_matrix) {
         const Math::Vector2d e = matrix.column0(), f = matrix.column1(), t = matrix.translation();
         std::printf("PegMatrix = [ %f %f, %f %f, %f %f ]\n", e.x, e.y, f.x, f.y, t.x, t.y);

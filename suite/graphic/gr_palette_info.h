@@ -20,6 +20,8 @@ public:
     // Takes the texture with the id it has (a drawing being read back).
     void addLocalColorKeepingId(CM_TexturePtr texture) { textures_.push_back(std::move(texture)); }
     const std::vector<CM_TexturePtr> &textures() const { return textures_; }
+    // Drops the texture of that id, when no stroke uses it any more.
+    void removeLocalColor(int64_t id);
     const CM_Texture *texture(int64_t id) const;
 
 private:

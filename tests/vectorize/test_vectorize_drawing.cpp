@@ -137,3 +137,48 @@ TEST(Pix2vec, WritesEachFormatAndSaysWhyItFailed) {
         EXPECT_TRUE(r.err.contains(c.message)) << r.err.toStdString();
     }
 }
+
+TEST(OptimizeTexture, EachGroupGetsTheSamePixelsCroppedToItsOutlines) {
+    TUPix2vecOptions options;
+    currentVectorizeOptions() = &options;
+    // Grey ink: a ring (a blob with a hole) at the left, a small blob at the
+    // right, far apart; each pixel's value tells where it was.
+    const int w = 200, h = 100;
+    auto *grey = new CEL_PixmapMatte8(w, h);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            const bool ring = x >= 20 && x < 60 && y >= 20 && y < 60 && !(x >= 35 && x < 45 && y >= 35 && y < 45);
+            const bool blob = x >= 150 && x < 170 && y >= 60 && y < 80;
+            grey->at(x, y) = (ring || blob) ? uint8_t(10 + (x + 3 * y) % 90) : 255;
+        }
+    for (bool optimize : {true, false}) {
+        SCOPED_TRACE(optimize);
+        options.texture_optimization = optimize;
+        CEL_PixmapPtr image(new CEL_PixmapMatte8(*grey));
+        Math::Matrix2x3 matrix;
+        const auto drawing = VectorizeDrawing(options, image, nullptr, {}, QStringLiteral("t"), matrix);
+        ASSERT_TRUE(drawing);
+        const auto &textures = drawing->paletteInfo().textures();
+        ASSERT_EQ(textures.size(), optimize ? 2u : 1u) << "the page texture is gone";
+        const GR_Layer &layer = *drawing->lineArt().layer(0);
+        ASSERT_EQ(layer.strokeCount(), 3);
+        for (const GR_StrokeData &s : layer.strokes()) {
+            const GR_ColorPtr &ink = s.Color(0) ? s.Color(0) : s.Color(1);
+            ASSERT_TRUE(ink);
+            const CM_Texture *t = drawing->paletteInfo().texture(ink->textureId());
+            ASSERT_NE(t, nullptr);
+            if (optimize) {
+                EXPECT_LT(t->pixels.width(), 50) << "cropped to its own group";
+            }
+            // A pixel inside the ink, through the world and back into the
+            // piece, reads what the scan had there (inverted: ink high).
+            const int px = s.path().boundingBox().x1 > matrix.Apply(Math::Point2d{100, 0}).x ? 155 : 25;
+            const int py = px == 155 ? 65 : 25;
+            const Math::Point2d world = matrix.Apply(Math::Point2d{px + 0.5, h - py - 0.5});
+            const Math::Point2d uv = ink->textureMatrix().Inverse().Apply(world);
+            const int tx = int(uv.x * t->pixels.width()), ty = int((1.0 - uv.y) * t->pixels.height());
+            EXPECT_EQ(t->pixels.get(tx, ty), 255u - grey->at(px, py));
+        }
+    }
+    delete grey;
+}

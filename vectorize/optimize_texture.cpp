@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <memory>
 
 #include "suite/graphic/gr_drawing_access.h"
 #include "vectorize/vectorize_trace.h"
@@ -24,19 +25,72 @@ bool inside(const Math::Box2d &inner, const Math::Box2d &outer) {
     return inner.x0 >= outer.x0 && inner.x1 <= outer.x1 && inner.y0 >= outer.y0 && inner.y1 <= outer.y1;
 }
 
-// Even-odd test of a point against a closed polyline or control polygon.
-bool contains(const GR_BezierPath2d &path, const Math::Point2d &p) {
-    bool in = false;
-    const std::vector<Math::Point2d> &v = path.points();
-    for (size_t i = 0, j = v.size() - 1; i < v.size(); j = i++)
-        if ((v[i].y > p.y) != (v[j].y > p.y) && p.x < (v[j].x - v[i].x) * (p.y - v[i].y) / (v[j].y - v[i].y) + v[i].x)
-            in = !in;
-    return in;
-}
+// Even-odd test of points against a closed polyline or control polygon, with
+// its edges sorted into horizontal bands so that a test looks at the edges
+// of one band: a page's outline can have tens of thousands of points.
+class PolygonTest {
+public:
+    explicit PolygonTest(const GR_BezierPath2d &path) : v_(path.points()) {
+        const Math::Box2d box = path.boundingBox();
+        y0_ = box.y0;
+        const size_t n = v_.size();
+        bands_.resize(std::clamp<size_t>(n / 8, 1, 1024));
+        height_ = box.height() > 0 ? box.height() : 1.0;
+        for (size_t i = 0, j = n - 1; i < n; j = i++) {
+            const auto [lo, hi] = std::minmax(v_[i].y, v_[j].y);
+            for (size_t b = band(lo); b <= band(hi); ++b) bands_[b].push_back(uint32_t(i));
+        }
+    }
+    bool contains(const Math::Point2d &p) const {
+        bool in = false;
+        const size_t n = v_.size();
+        for (uint32_t i : bands_[band(p.y)]) {
+            const Math::Point2d &a = v_[i], &b = v_[i == 0 ? n - 1 : i - 1];
+            if ((a.y > p.y) != (b.y > p.y) && p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x) in = !in;
+        }
+        return in;
+    }
+
+private:
+    size_t band(double y) const {
+        return size_t(std::clamp((y - y0_) / height_ * double(bands_.size()), 0.0, double(bands_.size() - 1)));
+    }
+    const std::vector<Math::Point2d> &v_;
+    double y0_ = 0, height_ = 1;
+    std::vector<std::vector<uint32_t>> bands_;
+};
 
 struct Group {
     Math::Box2d box;
     std::vector<int> strokes;
+};
+
+// Groups by the cells of a coarse grid over the layer that their boxes
+// cover, so that finding the group that holds a point looks at a few.
+class GroupGrid {
+public:
+    explicit GroupGrid(const Math::Box2d &area) : area_(area) {}
+    void add(int group, const Math::Box2d &box) {
+        const auto [cx0, cy0] = cell({box.x0, box.y0});
+        const auto [cx1, cy1] = cell({box.x1, box.y1});
+        for (int y = cy0; y <= cy1; ++y)
+            for (int x = cx0; x <= cx1; ++x) cells_[size_t(y * kCells + x)].push_back(group);
+    }
+    const std::vector<int> &at(const Math::Point2d &p) const {
+        const auto [x, y] = cell(p);
+        return cells_[size_t(y * kCells + x)];
+    }
+
+private:
+    static constexpr int kCells = 64;
+    std::pair<int, int> cell(const Math::Point2d &p) const {
+        auto index = [](double v, double lo, double size) {
+            return size > 0 ? std::clamp(int((v - lo) / size * kCells), 0, kCells - 1) : 0;
+        };
+        return {index(p.x, area_.x0, area_.width()), index(p.y, area_.y0, area_.height())};
+    }
+    Math::Box2d area_;
+    std::vector<std::vector<int>> cells_ = std::vector<std::vector<int>>(size_t(kCells * kCells));
 };
 
 // The components of a layer: each outline that no other outline holds, with
@@ -53,19 +107,28 @@ std::vector<Group> components(const GR_Layer &layer) {
     std::sort(order.begin(), order.end(), [&](int a, int b) { return area(boxes[size_t(a)]) > area(boxes[size_t(b)]); });
     std::vector<Group> groups;
     std::vector<int> tops;  // stroke index of each group's outline
+    std::vector<std::unique_ptr<PolygonTest>> tests;  // made when first needed
+    GroupGrid grid(layer.boundingBox());
     for (int i : order) {
         const GR_StrokeData &s = layer.stroke(i);
         int holder = -1;
-        if (s.isClosed() && !s.path().isEmpty()) {
-            for (size_t g = 0; g < groups.size() && holder < 0; ++g) {
-                const int top = tops[g];
-                if (inside(boxes[size_t(i)], boxes[size_t(top)]) && contains(layer.stroke(top).path(), s.path().point(0)))
-                    holder = int(g);
+        if (s.isClosed()) {
+            for (int g : grid.at(s.path().point(0))) {
+                const int top = tops[size_t(g)];
+                if (!inside(boxes[size_t(i)], boxes[size_t(top)])) continue;
+                std::unique_ptr<PolygonTest> &test = tests[size_t(g)];
+                if (!test) test = std::make_unique<PolygonTest>(layer.stroke(top).path());
+                if (test->contains(s.path().point(0))) {
+                    holder = g;
+                    break;
+                }
             }
         }
         if (holder < 0) {
+            grid.add(int(groups.size()), boxes[size_t(i)]);
             groups.push_back({boxes[size_t(i)], {i}});
             tops.push_back(i);
+            tests.emplace_back();
         } else {
             groups[size_t(holder)].strokes.push_back(i);
         }
@@ -73,21 +136,34 @@ std::vector<Group> components(const GR_Layer &layer) {
     return groups;
 }
 
+// Two boxes apart along x or y never merge: the box around both is then
+// larger than the two together. So with the groups in order of their left
+// edges, each is only compared with those that start before it ends.
 void mergeGroups(std::vector<Group> &groups) {
     bool merged = true;
     while (merged) {
         merged = false;
+        std::sort(groups.begin(), groups.end(), [](const Group &a, const Group &b) { return a.box.x0 < b.box.x0; });
+        std::vector<char> alive(groups.size(), 1);
         for (size_t a = 0; a < groups.size(); ++a) {
-            for (size_t b = a + 1; b < groups.size(); ++b) {
+            if (!alive[a]) continue;
+            for (size_t b = a + 1; b < groups.size() && groups[b].box.x0 <= groups[a].box.x1; ++b) {
+                if (!alive[b]) continue;
                 const Math::Box2d u = united(groups[a].box, groups[b].box);
                 if (area(u) > area(groups[a].box) + area(groups[b].box)) continue;
                 groups[a].box = u;
                 groups[a].strokes.insert(groups[a].strokes.end(), groups[b].strokes.begin(), groups[b].strokes.end());
-                groups.erase(groups.begin() + std::ptrdiff_t(b));
+                alive[b] = 0;
                 merged = true;
-                --b;
             }
         }
+        size_t kept = 0;
+        for (size_t g = 0; g < groups.size(); ++g) {
+            if (!alive[g]) continue;
+            if (kept != g) groups[kept] = std::move(groups[g]);
+            ++kept;
+        }
+        groups.resize(kept);
     }
 }
 

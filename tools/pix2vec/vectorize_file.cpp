@@ -3,11 +3,11 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
-#include "scan/vector_scaninfo.h"
 #include "suite/cel/celio_manager.h"
 #include "suite/graphic/gr_png_export.h"
 #include "suite/graphic/gr_svg_export.h"
 #include "vectorize/pix2vec_options.h"
+#include "vectorize/scaninfo_keywords.h"
 #include "vectorize/vectorize_drawing.h"
 
 namespace {
@@ -62,9 +62,9 @@ VectorizeFileResult vectorizeFile(TUPix2vecOptions &options, const QString &inpu
 
     VectorizeScanFields scan;
     scan.fileName = input;
-    LMV_scaninfo info;
-    scan.fromScanFile = !comment.isEmpty() && LMV_scaninfo_from_str(&info, comment.toUtf8().constData()) == 0 &&
-                        info.dpi > 0;
+    // A picture's comment is scan information when it says at what dpi it
+    // was scanned; other programs leave other comments.
+    scan.fromScanFile = !comment.isEmpty() && ScanInfoKeywords(comment).intValue(QStringLiteral("dpi:"), 0) > 0;
     scan.scanInfo = comment;
     scan.width = static_cast<uint16_t>(image->width());
     scan.height = static_cast<uint16_t>(image->height());
